@@ -1,0 +1,17 @@
+#pragma once
+
+#include "core/text.h"
+
+namespace tandolin {
+
+/// The trace of the word DEBUG: shows the text in a plain box and appends it, with the moment, to
+/// the debug file, where `fileText` stands for the text if it differs. Without the word: nothing.
+void trace(TextView boxText, TextView fileText = {});
+
+/// Opens the debug file in the home directory; what an earlier run wrote is lost.
+/// Throws a Failure when it cannot be opened.
+void openDebugFile();
+
+void closeDebugFile();
+
+} // namespace tandolin

@@ -1,0 +1,31 @@
+#pragma once
+
+#include "core/ports/language_library.h"
+#include "core/ports/organizer.h"
+#include "core/ports/phone_server.h"
+#include "core/ports/screen.h"
+#include "core/ports/settings_store.h"
+#include "core/ports/system.h"
+
+#include <functional>
+#include <memory>
+
+namespace tandolin {
+
+/// Everything outside, as the logic sees it. Filled once by the program that wires the adapters,
+/// or by a test. The pointers are not owned.
+struct Ports {
+    /// Creates the phone server object; it opens nothing. Throws a Failure when there is none.
+    std::function<std::unique_ptr<PhoneServer>()> makePhoneServer;
+    /// Attaches to the organizer or creates it. Throws a Failure when there is none.
+    std::function<std::unique_ptr<Organizer>()> makeOrganizer;
+    SettingsStore* settings = nullptr;
+    LanguageLibrary* languages = nullptr;
+    Screen screen;
+    Clock* clock = nullptr;
+    UserLocale* locale = nullptr;
+    InstanceLink* instance = nullptr;
+    HomeFiles* files = nullptr;
+};
+
+} // namespace tandolin

@@ -1,0 +1,63 @@
+#pragma once
+
+#include "core/text.h"
+
+namespace tandolin {
+
+enum class Icon { none, information, question, exclamation };
+enum class Buttons { ok, okCancel, yesNo, yesNoCancel };
+enum class Answer { ok, cancel, yes, no };
+
+/// A modal box. An adapter without a user answers by its own rule and never waits.
+class MessageBoxes {
+public:
+    virtual ~MessageBoxes() = default;
+    virtual Answer ask(TextView caption, TextView text, Icon icon, Buttons buttons) = 0;
+};
+
+/// The picture of the one progress dialog; what it decides is `Status_Anzeige`.
+class StatusView {
+public:
+    virtual ~StatusView() = default;
+    virtual void open(TextView title) = 0;
+    virtual void text(TextView text) = 0;
+    virtual void buttons(bool cancelShown, bool okShown) = 0;
+    /// Lets waiting user input in. True when Cancel was pressed since the last call.
+    virtual bool cancelPressed() = 0;
+    virtual void close() = 0;
+};
+
+enum class Pane { Mobile, MobileStatus, EntryCounter, Organizer };
+enum class Grid { GridEXCal, GridEXCard };
+enum class Form { Main_Form, frmSplash, logSummaryForm, Einstellungen };
+
+/// What the logic tells the main window. Without a window all of it is without effect.
+class MainWindow {
+public:
+    virtual ~MainWindow() = default;
+    virtual void toolEnabled(TextView band, TextView tool, bool enabled) = 0;
+    virtual void toolVisible(TextView band, TextView tool, bool visible) = 0;
+    virtual void pane(Pane pane, TextView text) = 0;
+    /// Column titles, tips and images of a grid from the language strings in force.
+    virtual void columnCaptions(Grid grid) = 0;
+    virtual void refresh(Grid grid) = 0;
+    virtual void busy(bool on) = 0;
+    /// The date range that the calendar grid marks.
+    virtual void EntryBackround(double fromDays, double toDays) = 0;
+    virtual void startTimer(int milliseconds) = 0;
+    virtual void show(Form form) = 0;
+    virtual void unload(Form form) = 0;
+    /// Shows the form and returns when it was closed.
+    virtual void runModal(Form form) = 0;
+    virtual void TDLInitForm(bool organizerPresent) = 0;
+    virtual void focusMain() = 0;
+};
+
+/// The bundle of what a program shows.
+struct Screen {
+    MessageBoxes* boxes = nullptr;
+    StatusView* status = nullptr;
+    MainWindow* window = nullptr;
+};
+
+} // namespace tandolin

@@ -1,0 +1,187 @@
+#pragma once
+
+#include "core/error_reporting.h"
+#include "core/flag.h"
+#include "core/language_strings.h"
+#include "core/ports/ports.h"
+#include "core/settings.h"
+#include "core/status_dialog.h"
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <set>
+#include <vector>
+
+namespace tandolin {
+
+/// Command line and start-up.
+struct CoreState {
+    Flag GlobalCommandShowText;
+    Flag GlobalCommandKill;
+    Flag GlobalCommandNoOrg;
+    Flag GlobalCommandCaller;
+    Text GlobalCallerName;
+    Flag GlobalCommandDebug;
+    Flag GlobalSilentMode;
+    Flag GlobalCommandBoth;
+    Flag GlobalCommandvCal;
+    Flag GlobalCommandvCard;
+    Flag GlobalCommandOptions;
+    std::int16_t GlobalCommandTimer = 0;
+    Flag GlobalUsePXD = kTrue;
+    Flag WindowsNTFlag = kTrue;
+    Text GlobalVersion = u"1.0";
+    Text GlobalLanguageFile;
+    Date GlobalToday;
+    /// The process's arguments joined by blanks, as given.
+    Text commandLine;
+    Text programPath;
+    Text applicationTitle;
+    Flag GlobalADOAvailable;
+    std::int16_t GlobalPIMErrorCount = 0;
+    std::int16_t GlobalProgramFehler = 0;
+    ProgramErrorHook programErrorHook = nullptr;
+    /// What the program installs that shows failures as they happen, from the first step on.
+    ProgramErrorHook failureListener = nullptr;
+    /// `--verbose`: takes the lines that explain what the run did.
+    void (*explain)(TextView line) = nullptr;
+    /// What the phone layer installs: shows the phone's state in the status bar anew.
+    void (*statusBarHook)() = nullptr;
+};
+
+/// Directories and file names of the phone's object store.
+struct MobilePaths {
+    Text calendarDirectory;
+    Text LastvCalFile;
+    Text calendarInfoFile;
+    Text calendarSpare;
+    Text LastvCardFile;
+    Text phoneBookDirectory;
+    Text phoneBookInfoFile;
+    Text phoneBookSpare;
+    Text deviceInfoFile;
+    Text rootDirectory;
+    Text fileNameList;
+};
+
+struct PhoneState {
+    std::unique_ptr<PhoneServer> PXDServer;
+    MobilePaths GlobalMobilePaths;
+    Flag MobileConnected;
+    Text MobileManufacturer;
+    Text MobileModel;
+    std::int16_t vCalMaxRecords = 0;
+    std::int16_t vCalMaxEntries = 0;
+    std::int16_t vCalTotalRecords = 0;
+    std::int16_t vCardMaxEntries = 0;
+    std::int16_t vCardTotalRecords = 0;
+    std::int16_t LastUsedIndex = 0;
+    std::int16_t vCalFirstIndex = 1;
+    std::int16_t vCalLastIndex = 1;
+    Flag vCalRead;
+    Flag vCardRead;
+    std::int16_t vCalEntryCount = 0;
+    std::int16_t vCardEntryCount = 0;
+    /// The numbers of the objects on the phone, from one listing, where the table does not show
+    /// them.
+    std::optional<std::set<int>> numbersOnPhone;
+    /// Phone rows were taken out of `RSCalendar` since the read.
+    bool phoneRowsCleared = false;
+    /// `--accept-empty-phone`: a listing without entries can be a successful read.
+    bool acceptEmptyPhone = false;
+};
+
+struct OrganizerState {
+    Flag OrganizerPresent;
+    Text OrganizerName;
+    /// Why there is no organizer; empty while there is one.
+    Text absentReason;
+    std::unique_ptr<Organizer> MOL;
+    /// The calendar folder as the last read opened it, for look-ups and writes.
+    CalendarFolder* calendarFolder = nullptr;
+    std::optional<FolderRecord> GlobalContactFolder;
+    std::vector<FolderRecord> GlobalFolderList;
+    std::int16_t GlobalFolderCount = 0;
+    Flag vCalPIMRead;
+    Flag vCardPIMRead;
+    std::int32_t vCalPIMCount = 0;
+    std::int32_t vCardPIMCount = 0;
+    std::int32_t NextNewEntryID = 51;
+    std::int32_t NextNewContactID = 51;
+};
+
+struct SyncState {
+    Flag AutoSyncRunning;
+    Flag SyncRemoved;
+    Flag SyncKeepRow;
+    Flag GlobalTransferActive;
+    /// The frame of the current organizer read.
+    Date DateFrameFrom;
+    Date DateFrameTo;
+    /// The displayed period; `GlobalStartDate` and `GlobalEndDate` are the same pair.
+    Date GlobalPeriodStart;
+    Date GlobalPeriodEnd;
+};
+
+struct LogState {
+    Flag LogErrorFlag;
+    std::int16_t LogTransferFehler = 0;
+    Text LogDate;
+    Text LogStartTime;
+    Text LogEndTime;
+    Text LogAction;
+    Text LogTransfer;
+    Text summary;
+};
+
+/// Something the user should know about an entry or a file, though the run went on.
+struct Note {
+    Text kind;
+    Text side;
+    Text file;
+    Text text;
+    Text reason;
+};
+
+/// What decides the exit status of a run. Each is set where it happens and never cleared.
+struct RunState {
+    bool phoneFailed = false;
+    bool organizerFailed = false;
+    bool cancelled = false;
+    bool guarded = false;
+    bool startFailed = false;
+    bool otherInstance = false;
+    bool entriesFailed = false;
+    bool leftBehind = false;
+    bool diskFull = false;
+    bool dryRun = false;
+    /// `--max-remove`; negative stands for no limit.
+    std::int64_t maxRemove = -1;
+    /// Failures that were told until the start was over and did not end it (a language without a
+    /// library, say): they do not make the run itself incomplete.
+    std::int16_t failuresOfStart = 0;
+    std::int32_t phoneRead = 0;
+    std::int32_t organizerRead = 0;
+    std::int32_t paired = 0;
+    std::vector<Note> notes;
+};
+
+/// All module-wide state in one value, so that a test starts fresh by assignment.
+struct AppState {
+    CoreState core;
+    tandolin::Settings settings;
+    DateTimeFormats formats;
+    LanguageStrings strings;
+    Ports ports;
+    Status_Anzeige status;
+    PhoneState phone;
+    OrganizerState organizer;
+    SyncState sync;
+    LogState log;
+    RunState run;
+};
+
+inline AppState app;
+
+} // namespace tandolin

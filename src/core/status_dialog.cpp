@@ -1,0 +1,53 @@
+#include "core/status_dialog.h"
+
+#include "core/language_strings.h"
+#include "core/state.h"
+
+namespace tandolin {
+
+void Status_Anzeige::Start(TextView title, bool noShow) {
+    if (!finished_) {
+        return;
+    }
+    finished_ = noShow;
+    if (noShow) {
+        return;
+    }
+    goOn_ = true;
+    app.ports.screen.status->open(title);
+    app.ports.screen.status->text({});
+}
+
+void Status_Anzeige::SetText(TextView text) {
+    goOn_ = !app.ports.screen.status->cancelPressed() && goOn_;
+    if (!finished_) {
+        app.ports.screen.status->text(text);
+    }
+}
+
+bool Status_Anzeige::GetState() {
+    goOn_ = !app.ports.screen.status->cancelPressed() && goOn_;
+    if (finished_ || goOn_) {
+        return true;
+    }
+    const Answer answer = app.ports.screen.boxes->ask(
+        tr(ids::kProgramTitle), tr(ids::kReallyCancel), Icon::question, Buttons::yesNo);
+    goOn_ = answer != Answer::yes;
+    app.run.cancelled = app.run.cancelled || !goOn_;
+    return goOn_;
+}
+
+void Status_Anzeige::Quit() {
+    if (finished_) {
+        return;
+    }
+    finished_ = true;
+    app.ports.screen.status->buttons(true, false);
+    app.ports.screen.status->close();
+}
+
+void Status_Anzeige::showButtons(bool cancelShown, bool okShown) {
+    app.ports.screen.status->buttons(cancelShown, okShown);
+}
+
+} // namespace tandolin

@@ -1,0 +1,26 @@
+#pragma once
+
+#include "core/ports/screen.h"
+
+namespace tandolin {
+
+/// The one progress dialog: what it decides, over the view of the screen. A long action calls it
+/// and so lets user input in; `SetText` and `GetState` are the only points where that happens.
+class Status_Anzeige {
+public:
+    /// Opens the dialog; one that is open is used again. With `noShow` it stays without a picture.
+    void Start(TextView title, bool noShow = false);
+    void SetText(TextView text);
+    /// False when the user pressed Cancel and confirmed it.
+    bool GetState();
+    void Quit();
+    void showButtons(bool cancelShown, bool okShown);
+
+    [[nodiscard]] bool isOpen() const { return !finished_; }
+
+private:
+    bool finished_ = true;
+    bool goOn_ = true;
+};
+
+} // namespace tandolin

@@ -1,0 +1,43 @@
+#pragma once
+
+#include "core/failure.h"
+
+#include <cstddef>
+#include <filesystem>
+#include <string>
+#include <string_view>
+
+namespace tandolin::platform {
+
+/// When a replaced file has to be on the disk.
+enum class Flush {
+    now,  ///< before `replaceFile` returns
+    later ///< the caller flushes the whole file system once (`syncFileSystem`)
+};
+
+/// Replaces the file with the bytes, so that a reader sees the old or the new content and nothing
+/// between. The new content is written beside it under a name that starts with "."; that file is
+/// removed again on failure and the old one stays as it was. A symbolic link at the path is
+/// replaced itself, never followed. The mode 0 keeps the mode of the file that is there, and is
+/// 0600 for a new one. Throws what `failureOfErrno` makes.
+void replaceFile(const std::filesystem::path& path, std::string_view bytes, unsigned mode,
+                 Flush flush);
+
+/// All bytes of a regular file. Throws Failure kNotFound when there is none, kServerFailed when it
+/// is larger than `limit` or no regular file (a device would never end), else as `failureOfErrno`.
+std::string readWholeFile(const std::filesystem::path& path, std::size_t limit);
+
+/// Brings everything on the file system of this file or directory to the disk. Throws as above.
+void syncFileSystem(const std::filesystem::path& anyFileOnIt);
+
+/// Makes the directory and what is missing above it, with mode 0700. Throws as above.
+void makePrivateDirectories(const std::filesystem::path& directory);
+
+/// Writes all bytes to an open file, however many calls it takes. Throws as above.
+void writeAll(int descriptor, std::string_view bytes, const std::filesystem::path& path);
+
+/// The failure of a system call: 61 for a full disk or quota, 70 for a refusal, else 57. The
+/// description is `what`, the path and the system's words: "cannot write /a/b: No space left".
+Failure failureOfErrno(int errorNumber, const std::filesystem::path& path, TextView what);
+
+} // namespace tandolin::platform

@@ -1,0 +1,34 @@
+#include "platform/system_posix/lock_file.h"
+
+#include "platform/system_posix/atomic_file.h"
+
+#include <fcntl.h>
+#include <sys/file.h>
+
+namespace tandolin::platform {
+
+LockFile::LockFile(std::filesystem::path stateDirectory) : directory_(std::move(stateDirectory)) {}
+
+bool LockFile::previousInstance() {
+    if (held_.isOpen()) {
+        return false;
+    }
+    makePrivateDirectories(directory_);
+    const std::filesystem::path path = directory_ / "lock";
+    Descriptor opened(uninterrupted([&] {
+        return ::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK, 0600);
+    }));
+    if (!opened.isOpen()) {
+        throw failureOfErrno(errno, path, u"cannot open the lock");
+    }
+    if (uninterrupted([&] { return ::flock(opened.get(), LOCK_EX | LOCK_NB); }) != 0) {
+        if (errno == EWOULDBLOCK) {
+            return true;
+        }
+        throw failureOfErrno(errno, path, u"cannot take the lock");
+    }
+    held_ = std::move(opened);
+    return false;
+}
+
+} // namespace tandolin::platform

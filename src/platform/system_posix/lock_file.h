@@ -1,0 +1,33 @@
+#pragma once
+
+#include "core/ports/system.h"
+#include "platform/system_posix/descriptor.h"
+
+#include <filesystem>
+
+namespace tandolin::platform {
+
+/// One run at a time for each user: a kernel lock on a file. The kernel gives it back when the
+/// process ends, however it ends, so a file left behind means nothing. The directory does not
+/// depend on the session, so that a timer and a desktop look in the same place.
+class LockFile : public InstanceLink {
+public:
+    /// `stateDirectory` is "$XDG_STATE_HOME/halverntandolin"; it is made, with mode 0700, when the
+    /// lock is taken.
+    explicit LockFile(std::filesystem::path stateDirectory);
+
+    /// Held until this object is destroyed.
+    bool previousInstance() override;
+
+    /// Words to the first instance go through a socket beside the lock, which the desktop program
+    /// opens. An instance without one cannot be reached: both do nothing.
+    void activate() override {}
+
+    void kill() override {}
+
+private:
+    std::filesystem::path directory_;
+    Descriptor held_;
+};
+
+} // namespace tandolin::platform

@@ -1,0 +1,274 @@
+#pragma once
+
+// A table of typed fields, held in memory, with one cursor.
+//
+// The cursor stands on a row, before the first (an empty table) or at the end. A row that is
+// deleted stays current until the next move, and MoveNext then lands on the row behind it; reading
+// or setting a field of it is a failure, as is one at the end. Rows keep their order of adding;
+// what a setter writes counts at once, there is no separate commit.
+//
+// Find on the equality of a text field goes through an index that is built at the first use and
+// kept right by every change; its result is that of a scan from the cursor on.
+
+#include "core/failure.h"
+#include "store/layout.h"
+#include "store/shared_text.h"
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <set>
+#include <vector>
+
+namespace tandolin {
+
+/// How two texts of a search are compared.
+enum class Compare : std::uint8_t { exact, text };
+
+/// The values of one row. Copies share their texts.
+class Row {
+public:
+    explicit Row(std::span<const FieldSpec> fields);
+    Row(const Row& other);
+    Row& operator=(const Row&) = delete;
+    ~Row();
+
+    [[nodiscard]] bool isNull(std::size_t field) const { return (set_ >> field & 1U) == 0; }
+
+    [[nodiscard]] std::int64_t number(std::size_t field) const { return cells_[field].number; }
+
+    [[nodiscard]] double real(std::size_t field) const { return cells_[field].real; }
+
+    [[nodiscard]] TextView text(std::size_t field) const { return cells_[field].text.view(); }
+
+    void setNull(std::size_t field);
+    void setNumber(std::size_t field, std::int64_t value);
+    void setReal(std::size_t field, double value);
+    void setText(std::size_t field, TextView value);
+
+    /// The cell as the other row holds it, null included. Both rows have one layout.
+    void copyCell(std::size_t field, const Row& other);
+
+private:
+    union Cell {
+        std::int64_t number;
+        double real;
+        SharedText text;
+
+        Cell() : number(0) {}
+
+        ~Cell() {}
+    };
+
+    std::span<const FieldSpec> fields_;
+    std::uint64_t set_ = 0;
+    std::unique_ptr<Cell[]> cells_;
+};
+
+/// Where a cursor stood; stays right when other rows are deleted.
+struct Bookmark {
+    std::size_t slot = 0;
+    bool atEnd = true;
+};
+
+/// The part of a table that does not know its layout's type.
+class TableCore {
+public:
+    explicit TableCore(std::span<const FieldSpec> fields) : fields_(fields) {}
+
+    TableCore(const TableCore&) = delete;
+    TableCore& operator=(const TableCore&) = delete;
+
+    [[nodiscard]] std::span<const FieldSpec> fields() const { return fields_; }
+
+    [[nodiscard]] std::size_t recordCount() const { return live_; }
+
+    [[nodiscard]] bool isEmpty() const { return live_ == 0; }
+
+    /// True when the cursor stands on no row and no deleted one either.
+    [[nodiscard]] bool atEnd() const { return cursor_ >= rows_.size(); }
+
+    void MoveFirst();
+    void MoveNext();
+
+    /// Adds a row with all fields null; the cursor stands on it afterwards.
+    void AddNew();
+
+    /// Deletes the current row. The cursor stays where it is.
+    void Delete();
+
+    /// Removes all rows.
+    void clear();
+
+    /// One-based number of the current row among the rows, 0 at the end or on a deleted row.
+    [[nodiscard]] std::size_t AbsolutePosition() const;
+    void setAbsolutePosition(std::size_t position);
+
+    [[nodiscard]] Bookmark bookmark() const { return {cursor_, atEnd()}; }
+
+    void goTo(Bookmark mark);
+
+    /// Positions on the first row from the current one on (itself included) whose text field equals
+    /// the value; false and the end when there is none.
+    bool Find(std::size_t field, TextView value, Compare compare = Compare::exact);
+
+    /// The same for the equality of a number field.
+    bool Find(std::size_t field, std::int64_t value);
+
+    /// How many rows have true in this field; counted along with every change after the first call.
+    [[nodiscard]] std::size_t countTrue(std::size_t field);
+
+    /// The lowest number from `first` (at least 1) to `last` (at most 65535) that no row holds in
+    /// this text field as its plain decimal digits; nothing when all are held. Kept along with
+    /// every change after the first call: no search of each number in turn.
+    [[nodiscard]] std::optional<int> lowestUnused(std::size_t field, int first, int last);
+
+    /// Rows that the predicate refuses are passed over by every move and search. An empty one ends
+    /// it.
+    void setFilter(std::function<bool(const Row&)> filter);
+
+    /// Orders the rows by `before`, stably; the cursor goes to the first row.
+    void Sort(const std::function<bool(const Row&, const Row&)>& before);
+
+    /// The current row's values. Throws Failure 91 at the end or on a deleted row.
+    [[nodiscard]] const Row& row() const;
+
+    /// Takes all values of `source` by position. The layouts are the same.
+    void assignRow(const Row& source);
+
+protected:
+    void setNull(std::size_t field);
+    void setNumber(std::size_t field, std::int64_t value);
+    void setReal(std::size_t field, double value);
+    void setText(std::size_t field, TextView value);
+
+private:
+    struct Index {
+        std::size_t field;
+        Compare compare;
+        std::set<std::pair<std::size_t, std::size_t>> slots; // hash of the value, slot
+    };
+
+    struct TrueCount {
+        std::size_t field;
+        std::size_t count;
+    };
+
+    /// Which numbers a text field holds, and below which one all from 1 on are held.
+    struct NumberUse {
+        std::size_t field;
+        std::vector<std::uint32_t> holders;
+        std::size_t allHeldBelow = 1;
+
+        void count(TextView text, bool add);
+    };
+
+    [[nodiscard]] Row& current();
+    void skipToShown();
+    [[nodiscard]] bool shown(std::size_t slot) const;
+    [[nodiscard]] std::size_t hashOf(const Row& row, const Index& index) const;
+    Index& indexFor(std::size_t field, Compare compare);
+    bool findFrom(const Index& index, std::size_t hash,
+                  const std::function<bool(const Row&)>& equal);
+    void enter(std::size_t slot, std::size_t field, bool add);
+    void enterAll(std::size_t slot, bool add);
+
+    std::span<const FieldSpec> fields_;
+    std::vector<std::unique_ptr<Row>> rows_; // a deleted row leaves its slot empty
+    std::size_t live_ = 0;
+    std::size_t cursor_ = 0;
+    std::vector<Index> indexes_;
+    std::vector<TrueCount> counts_;
+    std::vector<NumberUse> numbers_;
+    std::function<bool(const Row&)> filter_;
+};
+
+/// A table whose fields are those of `Layout` (see layout.h).
+template <class L>
+class Table : public TableCore {
+public:
+    Table() : TableCore(L::fields) {}
+
+    /// The value of the current row's field, or nothing where it was never set. A text view lives
+    /// until that field changes.
+    [[nodiscard]] std::optional<bool> get(Field<L, bool> f) const {
+        return null(f) ? std::nullopt : std::optional(row().number(f.index()) != 0);
+    }
+
+    [[nodiscard]] std::optional<Date> get(Field<L, Date> f) const {
+        return null(f) ? std::nullopt : std::optional(Date{row().real(f.index())});
+    }
+
+    [[nodiscard]] std::optional<TextView> get(Field<L, Text> f) const {
+        return null(f) ? std::nullopt : std::optional(row().text(f.index()));
+    }
+
+    [[nodiscard]] std::optional<std::int64_t> get(Field<L, std::int64_t> f) const {
+        return null(f) ? std::nullopt : std::optional(row().number(f.index()));
+    }
+
+    [[nodiscard]] std::optional<std::int32_t> get(Field<L, std::int32_t> f) const {
+        return null(f) ? std::nullopt
+                       : std::optional(static_cast<std::int32_t>(row().number(f.index())));
+    }
+
+    /// The same with false, 0, the date 0 or the empty text for a field that was never set.
+    template <class T>
+    [[nodiscard]] auto operator[](Field<L, T> f) const {
+        return get(f).value_or(typename decltype(get(f))::value_type{});
+    }
+
+    void set(Field<L, bool> f, bool value) { setNumber(f.index(), value ? 1 : 0); }
+
+    void set(Field<L, Date> f, Date value) { setReal(f.index(), value.days); }
+
+    void set(Field<L, Text> f, TextView value) { setText(f.index(), value); }
+
+    void set(Field<L, std::int64_t> f, std::int64_t value) { setNumber(f.index(), value); }
+
+    void set(Field<L, std::int32_t> f, std::int32_t value) { setNumber(f.index(), value); }
+
+    template <class T>
+    void setNull(Field<L, T> f) {
+        TableCore::setNull(f.index());
+    }
+
+    bool Find(Field<L, Text> f, TextView value, Compare compare = Compare::exact) {
+        return TableCore::Find(f.index(), value, compare);
+    }
+
+    bool Find(Field<L, std::int32_t> f, std::int32_t value) {
+        return TableCore::Find(f.index(), std::int64_t{value});
+    }
+
+    [[nodiscard]] std::size_t countTrue(Field<L, bool> f) {
+        return TableCore::countTrue(f.index());
+    }
+
+    [[nodiscard]] std::optional<int> lowestUnused(Field<L, Text> f, int first, int last) {
+        return TableCore::lowestUnused(f.index(), first, last);
+    }
+
+private:
+    template <class T>
+    [[nodiscard]] bool null(Field<L, T> f) const {
+        return row().isNull(f.index());
+    }
+};
+
+/// Puts a table's cursor back where it was when this goes out of scope.
+class KeepPosition {
+public:
+    explicit KeepPosition(TableCore& table) : table_(table), mark_(table.bookmark()) {}
+
+    KeepPosition(const KeepPosition&) = delete;
+    KeepPosition& operator=(const KeepPosition&) = delete;
+
+    ~KeepPosition() { table_.goTo(mark_); }
+
+private:
+    TableCore& table_;
+    Bookmark mark_;
+};
+
+} // namespace tandolin

@@ -1,0 +1,104 @@
+#include "support/fresh_program.h"
+
+#include <set>
+
+using namespace tandolin;
+using tandolin::testing::FreshProgram;
+
+namespace {
+
+/// One library under one path.
+struct OneLibrary : LanguageLibrary {
+    Text path;
+    std::map<int, Text> texts;
+    int freed = -1;
+
+    int open(TextView asked) override { return asked == path ? 7 : 0; }
+
+    [[nodiscard]] int lastError() const override { return 2; }
+
+    Text string(int, int id) override { return texts.contains(id) ? texts.at(id) : Text{}; }
+
+    void free(int handle) override { freed = handle; }
+};
+
+struct Speaking : FreshProgram {
+    OneLibrary library;
+
+    Speaking() {
+        app.ports.languages = &library;
+        app.settings.HomeDir = u"/home/me";
+    }
+};
+
+int reports = 0;
+Failure lastReport;
+
+void record(const Failure& failure, TextView, Place) {
+    ++reports;
+    lastReport = failure;
+}
+
+} // namespace
+
+TEST_CASE("the built-in set is complete and in order") {
+    std::set<int> unused{472, 548, 725, 745, 756, 757, 758, 760, 762, 763};
+    int expected = kFirstStringId;
+    for (const GermanText& row : kGermanTexts) {
+        while (unused.contains(expected)) {
+            ++expected;
+        }
+        REQUIRE(row.id == expected++);
+        CAPTURE(row.id);
+        CHECK_FALSE(row.text.empty());
+    }
+    CHECK(expected == kLastStringId + 1);
+    // Blanks at the ends are part of the text.
+    CHECK(tr(ids::kFreeEntriesReset) == u" zurückgesetzt werden?");
+    CHECK(tr(ids::kFreeEntriesTo) == u"auf ");
+}
+
+TEST_CASE("the language comes from the locale where the setting has none") {
+    for (const auto& [code, file] : {std::pair{Text{}, u"/home/me\\Lng\\TDLRES0407.dll"},
+                                     {u"9", u"/home/me\\Lng\\TDLRES0407.dll"},
+                                     {u"0809", u"/home/me\\Lng\\TDLRES0809.dll"}}) {
+        Speaking program;
+        app.settings.Sprache = code;
+        setStartLanguage();
+        CHECK(app.core.GlobalLanguageFile == file);
+    }
+}
+
+TEST_CASE("a library that is not there is told once, and German stands") {
+    Speaking program;
+    reports = 0;
+    app.core.programErrorHook = record;
+    app.strings.set(453, u"Cancel");
+    setStartLanguage();
+    CHECK(reports == 1);
+    CHECK(lastReport.Number == 2);
+    CHECK(lastReport.Description == u"/home/me\\Lng\\TDLRES0407.dllCannot load Resource DLL: ");
+    CHECK(tr({453}) == u"Abbrechen");
+    CHECK(program.library.freed == 0);
+}
+
+TEST_CASE("texts before a missing id are new, the others keep what they were") {
+    Speaking program;
+    reports = 0;
+    app.core.programErrorHook = record;
+    program.library.path = u"/home/me\\Lng\\TDLRES0407.dll";
+    for (const GermanText& row : kGermanTexts) {
+        program.library.texts[row.id] = u"T" + decimal(row.id) + Text(u"\0rest", 5);
+    }
+    setStartLanguage();
+    CHECK(reports == 0);
+    CHECK(tr({949}) == u"T949");
+
+    program.library.texts.erase(500);
+    app.strings.loadGerman();
+    LoadLanguageStrings();
+    CHECK(reports == 1);
+    CHECK(tr({499}) == u"T499");
+    CHECK(tr({500}) == u"Straße");
+    CHECK(program.library.freed == 7);
+}

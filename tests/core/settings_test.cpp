@@ -1,0 +1,223 @@
+#include "support/fresh_program.h"
+
+#include "core/trap.h"
+
+#include <algorithm>
+
+using namespace tandolin;
+using tandolin::testing::at;
+using tandolin::testing::FreshProgram;
+
+namespace {
+
+/// A store as an installation leaves it.
+struct Installed : FreshProgram {
+    Installed() {
+        settings.create(SettingsRoot::user, kSettingsKey);
+        put(u"SyncEintraegevonbis", Text(u"2026-11-21\t2026-11-28 23:59:59"));
+    }
+
+    void put(TextView name, const SettingValue& value) {
+        settings.write(SettingsRoot::user, kSettingsKey, name, value);
+    }
+
+    void putPort(SettingsRoot root, const SettingValue& value) {
+        settings.create(root, kPortKey);
+        settings.write(root, kPortKey, u"PORT", value);
+    }
+};
+
+SettingValue number(std::int64_t value) {
+    return value;
+}
+
+} // namespace
+
+TEST_CASE("values that are missing") {
+    Installed program;
+    app.settings.SyncTyp = 4;
+    app.settings.FormFont = u"left over";
+    RegValGet();
+    CHECK(app.settings.SyncTyp == 2);
+    CHECK(app.settings.SyncTermine == 32);
+    CHECK(app.settings.SyncZeitraum == 3);
+    CHECK(app.settings.SyncTageWochenMonate == 1);
+    CHECK(app.settings.SyncnaechstenAnzahl == 1);
+    CHECK(app.settings.SaveTyp == 1);
+    CHECK(app.settings.FormFont.empty());
+    CHECK(app.settings.FormFontSize == 8);
+    CHECK(app.settings.FormFontIndex == -1);
+    CHECK(app.settings.DateRange == 6);
+    CHECK(app.settings.HomeDir == u"c:");
+    CHECK(app.settings.Port == 1);
+    CHECK(app.settings.DelDate == at(2026, 11, 21));
+    CHECK(app.settings.SyncEintraegeab == at(2026, 11, 21));
+    CHECK(app.settings.GlobalRangeEnd == at(2026, 11, 27, 23, 59, 59));
+}
+
+TEST_CASE("numbers are corrected after reading") {
+    struct Case {
+        TextView name;
+        std::int64_t stored;
+        std::int16_t Settings::*member;
+        std::int16_t read;
+    };
+
+    for (const Case& c : {Case{u"SyncTyp", 0, &Settings::SyncTyp, 2},
+                          {u"SyncTyp", 4, &Settings::SyncTyp, 4},
+                          {u"SyncTermine", 0, &Settings::SyncTermine, 32},
+                          {u"SyncZeitraum", 0, &Settings::SyncZeitraum, 3},
+                          {u"SyncnaechstenAnzahl", 0, &Settings::SyncnaechstenAnzahl, 7},
+                          {u"DateRange", -3, &Settings::DateRange, 6},
+                          {u"DateRange", 14, &Settings::DateRange, 14},
+                          {u"SaveTyp", 0, &Settings::SaveTyp, 0},
+                          {u"Width", 1000, &Settings::Button_Width, 150}}) {
+        Installed program;
+        CAPTURE(c.name);
+        program.put(c.name, c.stored);
+        RegValGet();
+        CHECK(app.settings.*c.member == c.read);
+    }
+}
+
+TEST_CASE("texts are corrected after reading") {
+    struct Case {
+        const char* name;
+        TextView setting;
+        SettingValue stored;
+        Text Settings::*member;
+        Text read;
+    };
+
+    const Text span = u"2026-11-21\t2026-11-28 23:59:59";
+    for (const Case& c : {
+             Case{"six characters keep four", u"Sprache", Text(u"040712"), &Settings::Sprache,
+                  u"0407"},
+             {"99 characters are dropped", u"FolderStoreID", Text(99, u'a'),
+              &Settings::FolderStoreID, u""},
+             {"100 stay", u"FolderStoreID", Text(100, u'a'), &Settings::FolderStoreID,
+              Text(100, u'a')},
+             {"a span too short", u"SyncEintraegevonbis", Text(u"ab"),
+              &Settings::SyncEintraegevonbis, span},
+             {"a span is not judged", u"SyncEintraegevonbis", Text(u"abc"),
+              &Settings::SyncEintraegevonbis, u"abc"},
+             {"terminator read along", u"FormFont", Text(u"Arial\0x", 7), &Settings::FormFont,
+              u"Arial"},
+             {"terminator alone", u"FormFont", Text(u"\0", 1), &Settings::FormFont, u""},
+             {"a number as text", u"FormFont", number(12), &Settings::FormFont, u"12"},
+         }) {
+        Installed program;
+        CAPTURE(c.name);
+        program.put(c.setting, c.stored);
+        RegValGet();
+        CHECK(app.settings.*c.member == c.read);
+    }
+}
+
+TEST_CASE("a number is no date, whatever was saved") {
+    Installed program;
+    for (const SettingValue& stored : {number(46300), SettingValue(Text(u"32.01.2026"))}) {
+        program.put(u"DelDate", stored);
+        program.put(u"SyncEintraegeab", stored);
+        RegValGet();
+        CHECK(app.settings.DelDate == at(2026, 11, 21));
+        CHECK(app.settings.SyncEintraegeab == at(2026, 11, 21));
+    }
+    program.put(u"DelDate", Text(u"2026-10-05"));
+    program.put(u"SyncEintraegeab", Text(u"05.10.2026"));
+    RegValGet();
+    CHECK(app.settings.DelDate == at(2026, 10, 5));
+    CHECK(app.settings.SyncEintraegeab == at(2026, 10, 5));
+}
+
+TEST_CASE("values that do not fit end the reading") {
+    struct Case {
+        const char* name;
+        TextView setting;
+        SettingValue stored;
+        std::int32_t failure;
+    };
+
+    for (const Case& c : {
+             Case{"text for a number", u"SyncTyp", Text(u"vier"), failure_number::kTypeMismatch},
+             {"fraction for a number", u"SyncTyp", Text(u"2.5"), failure_number::kTypeMismatch},
+             {"beyond 16 bits", u"SyncTyp", number(32768), failure_number::kOverflow},
+             {"below 16 bits", u"freeMobileEntries", number(-32769), failure_number::kOverflow},
+             {"text for a size", u"FormFontSize", Text(u"big"), failure_number::kTypeMismatch},
+         }) {
+        Installed program;
+        CAPTURE(c.name);
+        program.put(c.setting, c.stored);
+        const auto failure = attempt([] { RegValGet(); });
+        REQUIRE(failure);
+        CHECK(failure->Number == c.failure);
+        CHECK(failure->Description.starts_with(c.setting));
+    }
+}
+
+TEST_CASE("a number written as text is that number") {
+    Installed program;
+    program.put(u"SyncTyp", Text(u"4"));
+    program.put(u"FormFontSize", Text(u"8.5"));
+    RegValGet();
+    CHECK(app.settings.SyncTyp == 4);
+    CHECK(app.settings.FormFontSize == 8.5);
+}
+
+TEST_CASE("without the span of the time frame the start ends") {
+    FreshProgram program;
+    program.settings.create(SettingsRoot::user, kSettingsKey);
+    const auto failure = attempt([] { RegValGet(); });
+    REQUIRE(failure);
+    CHECK(failure->Number == failure_number::kTypeMismatch);
+    CHECK(failure->Description.find(u"2026-11-21\t2026-11-28") != Text::npos);
+    CHECK(RegValCreate());
+    CHECK(attempt([] { RegValGet(); }));
+}
+
+TEST_CASE("the port comes from the user, else from the machine, else it is 1") {
+    struct Case {
+        const char* name;
+        std::optional<SettingValue> user;
+        std::optional<SettingValue> machine;
+        int port;
+    };
+
+    const auto text = [](TextView t) { return std::optional<SettingValue>(Text(t)); };
+    for (const Case& c : {
+             Case{"user", text(u"COM3"), text(u"COM5"), 3},
+             {"user out of range", text(u"COM17"), text(u"COM5"), 5},
+             {"user zero", text(u"COM0"), text(u"COM16"), 16},
+             {"user missing", std::nullopt, text(u"COM2"), 2},
+             {"both out of range", text(u"COM17"), text(u"COM0"), 1},
+             {"both missing", std::nullopt, std::nullopt, 1},
+             {"too long for a number", text(u"COM99999999999999999999"), text(u"COM4"), 4},
+             {"no digits", text(u"COM"), std::nullopt, 1},
+             {"shorter than its prefix", text(u"C"), std::nullopt, 1},
+             {"terminator read along", SettingValue(Text(u"COM12\0x", 7)), std::nullopt, 12},
+         }) {
+        Installed program;
+        CAPTURE(c.name);
+        if (c.user) {
+            program.putPort(SettingsRoot::user, *c.user);
+        }
+        if (c.machine) {
+            program.putPort(SettingsRoot::machine, *c.machine);
+        }
+        RegValGet();
+        CHECK(app.settings.Port == c.port);
+    }
+}
+
+TEST_CASE("the names of the settings") {
+    const auto names = settingNames();
+    CHECK(names.size() == 37);
+    CHECK(names.front().name == u"ActiveAPP");
+    CHECK(names.back().name == u"HomeDir");
+    const auto kindOf = [&](TextView name) {
+        return std::ranges::find(names, name, &SettingName::name)->kind;
+    };
+    CHECK(kindOf(u"DelDate") == SettingKind::date);
+    CHECK(kindOf(u"SyncEintraegevonbis") == SettingKind::text);
+    CHECK(kindOf(u"FormFontSize") == SettingKind::number);
+}

@@ -1,0 +1,356 @@
+#include "platform/scratch_directory.h"
+#include "support/fresh_program.h"
+
+#include "core/registry.h"
+#include "platform/settings_toml/toml_settings.h"
+
+#include <algorithm>
+
+using namespace tandolin;
+using namespace tandolin::testing;
+using platform::TomlSettings;
+
+namespace {
+
+const Date kToday = at(2026, 11, 21);
+
+/// The two files, and stores over them as successive runs would have.
+struct Files {
+    ScratchDirectory scratch;
+    std::filesystem::path user = scratch.path / "config" / "settings.toml";
+    std::filesystem::path machine = scratch.path / "etc.toml";
+
+    TomlSettings run(TomlSettings::Mode mode = TomlSettings::Mode::readWrite) const {
+        return {user, machine, mode};
+    }
+
+    void putUser(std::string_view text) const {
+        std::filesystem::create_directories(user.parent_path());
+        putBytes(user, text);
+    }
+};
+
+void writeSetting(TomlSettings& store, TextView name, const SettingValue& value) {
+    store.create(SettingsRoot::user, kSettingsKey);
+    CHECK(store.write(SettingsRoot::user, kSettingsKey, name, value));
+}
+
+std::optional<SettingValue> readSetting(TomlSettings& store, TextView name) {
+    return store.read(SettingsRoot::user, kSettingsKey, name);
+}
+
+const std::string kTable = "[Software.Halvern.HalvernTandolin.Settings]\n";
+
+} // namespace
+
+TEST_CASE("what was saved is there in the next run, for the owner only") {
+    const Files files;
+    {
+        TomlSettings store = files.run();
+        store.load();
+        CHECK_FALSE(store.exists(SettingsRoot::user, kSettingsKey));
+        CHECK(store.create(SettingsRoot::user, kSettingsKey));
+        CHECK_FALSE(store.create(SettingsRoot::user, kSettingsKey));
+        CHECK(store.exists(SettingsRoot::user, u"Software\\Halvern"));
+        CHECK_FALSE(store.write(SettingsRoot::user, kPortKey, u"PORT", Text(u"COM1")));
+        writeSetting(store, u"SyncTyp", std::int64_t{-4});
+        writeSetting(store, u"FormFont", Text(u"Grün \"1\"\t\\ \n😀"));
+        store.save();
+    }
+    CHECK(modeOf(files.user) == 0600);
+    CHECK(modeOf(files.user.parent_path()) == 0700);
+    TomlSettings store = files.run();
+    store.load();
+    CHECK(readSetting(store, u"SyncTyp") == SettingValue(std::int64_t{-4}));
+    CHECK(readSetting(store, u"FormFont") == SettingValue(Text(u"Grün \"1\"\t\\ \n😀")));
+    CHECK_FALSE(readSetting(store, u"synctyp"));
+    CHECK_FALSE(std::filesystem::exists(files.machine));
+}
+
+TEST_CASE("other types count as texts in their spelling") {
+    const Files files;
+    files.putUser(kTable + "a = 8.5\nb = 2026-11-21\nc = true\nd = [1, 2]\ne = 0x10\nf = 'x'\n");
+    TomlSettings store = files.run();
+    store.load();
+
+    struct Case {
+        TextView name;
+        SettingValue value;
+    };
+
+    for (const Case& c : {Case{u"a", Text(u"8.5")},
+                          {u"b", Text(u"2026-11-21")},
+                          {u"c", Text(u"true")},
+                          {u"d", Text(u"[ 1, 2 ]")},
+                          {u"e", std::int64_t{16}},
+                          {u"f", Text(u"x")}}) {
+        CAPTURE(Text(c.name));
+        CHECK(readSetting(store, c.name) == c.value);
+    }
+    CHECK_FALSE(store.read(SettingsRoot::user, u"Software\\Halvern", u"HalvernTandolin"));
+}
+
+TEST_CASE("a save changes the lines of the changed values only") {
+    struct Case {
+        const char* name;
+        std::string before;
+        std::string after;
+    };
+
+    const auto layout = [](const std::string& values) {
+        return "# mine\n[connection] # where\nphone = \"dir:/p\"\n\n" + kTable + values +
+               "\n[ports]\nCOM1 = \"/dev/x\"\n";
+    };
+    for (const Case& c : {
+             Case{"comments and order stay",
+                  layout("SyncTyp = 2 # how\n# next\nFormFont = 'Grün' # ü\n"),
+                  layout("SyncTyp = 4 # how\n# next\nFormFont = \"Arial\" # ü\nSaveTyp = 2\n")},
+             {"no table yet", "# mine\n[ports]\nCOM1 = \"/dev/x\"\n",
+              "# mine\n[ports]\nCOM1 = \"/dev/x\"\n" + kTable +
+                  "FormFont = \"Arial\"\nSaveTyp = 2\nSyncTyp = 4\n"},
+             {"last line without an end", kTable + "SyncTyp = 2",
+              kTable + "SyncTyp = 4\nFormFont = \"Arial\"\nSaveTyp = 2\n"},
+             {"empty file", "", kTable + "FormFont = \"Arial\"\nSaveTyp = 2\nSyncTyp = 4\n"},
+         }) {
+        CAPTURE(c.name);
+        const Files files;
+        files.putUser(c.before);
+        TomlSettings store = files.run();
+        store.load();
+        writeSetting(store, u"SyncTyp", std::int64_t{4});
+        writeSetting(store, u"FormFont", Text(u"Arial"));
+        writeSetting(store, u"SaveTyp", std::int64_t{2});
+        store.save();
+        CHECK(bytesOf(files.user) == c.after);
+    }
+}
+
+TEST_CASE("a file of unusual layout keeps its values") {
+    for (const std::string& layout :
+         {std::string(
+              "Software = { Halvern = { HalvernTandolin = { Settings = { SyncTyp = 2 } } } }\n"),
+          std::string("Software.Halvern.HalvernTandolin.Settings.SyncTyp = 2\n"),
+          kTable + "SyncTyp = 2\nFormFont = \"\"\"\na\nb\"\"\"\n",
+          kTable + "SyncTyp\t=\t2\r\n[connection]\r\nphone = 'p'\r\n"}) {
+        CAPTURE(layout);
+        const Files files;
+        files.putUser(layout);
+        TomlSettings store = files.run();
+        store.load();
+        writeSetting(store, u"SyncTyp", std::int64_t{4});
+        writeSetting(store, u"FormFont", Text(u"Arial"));
+        store.save();
+        TomlSettings next = files.run();
+        next.load();
+        CHECK(readSetting(next, u"SyncTyp") == SettingValue(std::int64_t{4}));
+        CHECK(readSetting(next, u"FormFont") == SettingValue(Text(u"Arial")));
+        CHECK(next.connection(u"phone") == store.connection(u"phone"));
+    }
+}
+
+TEST_CASE("nothing is written when nothing changed, and nothing at all in a dry run") {
+    const Files files;
+    files.putUser(kTable + "SyncTyp=2\n");
+    const auto before = std::filesystem::last_write_time(files.user) - std::chrono::hours(1);
+    std::filesystem::last_write_time(files.user, before);
+    TomlSettings same = files.run();
+    same.load();
+    writeSetting(same, u"SyncTyp", std::int64_t{2});
+    same.save();
+    CHECK(std::filesystem::last_write_time(files.user) == before);
+
+    TomlSettings dry = files.run(TomlSettings::Mode::readOnly);
+    dry.load();
+    writeSetting(dry, u"SyncTyp", std::int64_t{4});
+    dry.save();
+    CHECK(readSetting(dry, u"SyncTyp") == SettingValue(std::int64_t{4}));
+    CHECK(bytesOf(files.user) == kTable + "SyncTyp=2\n");
+}
+
+TEST_CASE("a link to the settings stays a link") {
+    const Files files;
+    files.putUser("");
+    const auto target = files.scratch.path / "elsewhere.toml";
+    std::filesystem::rename(files.user, target);
+    std::filesystem::create_symlink(target, files.user);
+    TomlSettings store = files.run();
+    store.load();
+    writeSetting(store, u"SyncTyp", std::int64_t{4});
+    store.save();
+    CHECK(std::filesystem::is_symlink(files.user));
+    CHECK(bytesOf(target).find("SyncTyp = 4") != std::string::npos);
+}
+
+TEST_CASE("a damaged file is told, kept aside once and never written over") {
+    struct Case {
+        const char* name;
+        std::string text;
+        int line;
+    };
+
+    for (const Case& c : {Case{"no value", "[a]\nb = 1\nc =\n", 3},
+                          {"a key twice", "[a]\nb = 1\nb = 2\n", 3},
+                          {"no UTF-8", "# \xFF\n", 1},
+                          {"number too large", "a = 99999999999999999999\n", 1}}) {
+        CAPTURE(c.name);
+        const Files files;
+        files.putUser(c.text);
+        const auto copy = files.user.native() + ".damaged";
+        TomlSettings dry = files.run(TomlSettings::Mode::readOnly);
+        CHECK(failureNumber([&] { dry.load(); }) == failure_number::kFileFailed);
+        CHECK_FALSE(std::filesystem::exists(copy));
+
+        TomlSettings store = files.run();
+        const auto failure = attempt([&] { store.load(); });
+        REQUIRE(failure);
+        CHECK(failure->Line == c.line);
+        CHECK(failure->File == fromUtf8(files.user.native()));
+        CHECK(failure->Description.find(u"Correct it, or move it away") != Text::npos);
+        CHECK(bytesOf(copy) == c.text);
+        CHECK(modeOf(copy) == 0600);
+
+        // The desktop goes on with defaults; the file is still there to be mended.
+        CHECK_FALSE(store.seedFirstStart(kToday, u"/home/me"));
+        writeSetting(store, u"SyncTyp", std::int64_t{4});
+        store.save();
+        CHECK(bytesOf(files.user) == c.text);
+    }
+}
+
+TEST_CASE("a damaged machine file is told, and the user's is read all the same") {
+    const Files files;
+    files.putUser(kTable + "SyncTyp = 4\n");
+    putBytes(files.machine, "broken");
+    TomlSettings store = files.run();
+    CHECK(failureNumber([&] { store.load(); }) == failure_number::kFileFailed);
+    CHECK(readSetting(store, u"SyncTyp") == SettingValue(std::int64_t{4}));
+    CHECK(files.scratch.count() == 2);
+}
+
+TEST_CASE("something else in the place of the file is told") {
+    const Files files;
+    std::filesystem::create_directories(files.user);
+    TomlSettings store = files.run();
+    CHECK(failureNumber([&] { store.load(); }) == failure_number::kFileFailed);
+}
+
+TEST_CASE("a value in the place of a table is a failure") {
+    const Files files;
+    files.putUser("Software = 1\n");
+    TomlSettings store = files.run();
+    store.load();
+    CHECK_FALSE(store.exists(SettingsRoot::user, u"Software"));
+    CHECK(failureNumber([&] { store.create(SettingsRoot::user, kSettingsKey); }) ==
+          failure_number::kFileFailed);
+}
+
+TEST_CASE("the connections of the user stand over those of the machine") {
+    const Files files;
+    files.putUser("[connection]\nphone = \"dir:/mine\"\n[ports]\nCOM1 = 7\n");
+    putBytes(files.machine, "[connection]\nphone = \"dir:/all\"\norganizer = \"folder:/all\"\n");
+    TomlSettings store = files.run();
+    store.load();
+    CHECK(store.connection(u"phone") == u"dir:/mine");
+    CHECK(store.connection(u"organizer") == u"folder:/all");
+    CHECK(store.port(u"COM1") == u"7");
+    CHECK_FALSE(store.connection(u"nothing"));
+}
+
+TEST_CASE("the first start is seeded, a later one is not") {
+    const Files files;
+    const Text span = u"2026-11-21\t2026-11-28 23:59:59";
+    TomlSettings dry = files.run(TomlSettings::Mode::readOnly);
+    dry.load();
+    CHECK(dry.seedFirstStart(kToday, u"/home/me"));
+    CHECK(readSetting(dry, u"SyncEintraegevonbis") == SettingValue(span));
+    dry.save();
+    CHECK_FALSE(std::filesystem::exists(files.user));
+
+    TomlSettings first = files.run();
+    first.load();
+    CHECK(first.seedFirstStart(kToday, u"/home/me"));
+    first.save();
+    TomlSettings second = files.run();
+    second.load();
+    CHECK_FALSE(second.seedFirstStart(kToday, u"/home/you"));
+    CHECK(readSetting(second, u"SyncEintraegevonbis") == SettingValue(span));
+    CHECK(readSetting(second, u"HomeDir") == SettingValue(Text(u"/home/me")));
+
+    const Files empty;
+    empty.putUser("");
+    TomlSettings store = empty.run();
+    store.load();
+    CHECK_FALSE(store.seedFirstStart(kToday, u"/home/me"));
+}
+
+TEST_CASE("a value given for the run stands over the stored one and is never saved") {
+    FreshProgram program;
+    const Files files;
+    files.putUser(kTable + "SyncTyp = 2\nSyncEintraegevonbis = \"2026-01-01\\t2026-01-02\"\n" +
+                  "[Software.Halvern.Pxd]\nPORT = \"COM2\"\n");
+    TomlSettings store = files.run();
+    store.load();
+    app.ports.settings = &store;
+    CHECK_FALSE(store.overrideSetting(u"SyncTyp", u"4", kToday));
+    CHECK_FALSE(store.overrideSetting(u"PORT", u"COM9", kToday));
+    CHECK_FALSE(store.overrideSetting(u"FormFont", u"Courier", kToday));
+    RegValGet();
+    CHECK(app.settings.SyncTyp == 4);
+    CHECK(app.settings.Port == 9);
+    app.settings.SyncTermine = 3;
+    CHECK_FALSE(RegValSet(true)); // the machine has no key for the port
+    CHECK(app.settings.FormFont == u"Courier");
+    const std::string saved = bytesOf(files.user);
+    CHECK(saved.find("SyncTyp = 2\n") != std::string::npos);
+    CHECK(saved.find("\"COM2\"") != std::string::npos);
+    CHECK(saved.find("Courier") == std::string::npos);
+    CHECK(saved.find("SyncTermine = 3") != std::string::npos);
+}
+
+TEST_CASE("a given value supplies what a file lacks") {
+    FreshProgram program;
+    const Files files;
+    TomlSettings store = files.run(TomlSettings::Mode::readOnly);
+    store.load();
+    app.ports.settings = &store;
+    CHECK(attempt([] { RegValGet(); }));
+    CHECK_FALSE(store.overrideSetting(u"SyncEintraegevonbis", u"2026-02-01\t2026-02-03", kToday));
+    CHECK_FALSE(attempt([] { RegValGet(); }));
+    CHECK(app.settings.SyncEintraegevonbis == u"2026-02-01\t2026-02-03");
+}
+
+TEST_CASE("names and values given for the run are checked") {
+    FreshProgram program;
+
+    struct Case {
+        TextView name;
+        TextView value;
+        bool taken;
+    };
+
+    const Files files;
+    TomlSettings store = files.run();
+    for (const Case& c : {Case{u"SyncTyp", u"4", true},
+                          {u"SyncTyp", u"-1", true},
+                          {u"SyncTyp", u"", false},
+                          {u"SyncTyp", u"vier", false},
+                          {u"SyncTyp", u"4.5", false},
+                          {u"SyncTyp", u"32768", false},
+                          {u"SyncTyp", u"99999999999999999999", false},
+                          {u"synctyp", u"4", false},
+                          {u"Unknown", u"4", false},
+                          {u"", u"4", false},
+                          {u"FormFontSize", u"8.5", true},
+                          {u"FormFontSize", u"1e99", false},
+                          {u"DelDate", u"2026-11-21", true},
+                          {u"DelDate", u"21.11.2026", true},
+                          {u"DelDate", u"32.11.2026", false},
+                          {u"FormFont", u"", true},
+                          {u"HomeDir", u"/home/me", true},
+                          {u"PORT", u"COM3", true}}) {
+        CAPTURE(Text(c.name));
+        CAPTURE(Text(c.value));
+        const auto wrong = store.overrideSetting(c.name, c.value, kToday);
+        CHECK(wrong.has_value() != c.taken);
+    }
+}
