@@ -1,0 +1,173 @@
+// What files cannot show: the trap around the reader, and objects made to hurt it.
+
+#include "formats/calendar_codec.h"
+#include "formats/row_text.h"
+#include "support/fresh_program.h"
+
+using namespace tandolin;
+using namespace tandolin::testing;
+
+namespace {
+
+constexpr std::size_t kAlmost16MiB = 16 * 1024 * 1024 - 16;
+/// Big enough to make a second look at everything for every line take hours.
+constexpr std::size_t kMany = 1024 * 1024;
+
+struct Report {
+    Failure failure;
+    Text message;
+    Text module;
+    Text proc;
+};
+
+std::vector<Report> reports;
+
+void keepReports() {
+    reports.clear();
+    app.core.GlobalADOAvailable = kTrue;
+    app.core.programErrorHook = [](const Failure& failure, TextView message, Place place) {
+        reports.push_back({failure, Text(message), Text(place.module), Text(place.proc)});
+    };
+}
+
+Text repeated(TextView piece, std::size_t characters) {
+    Text text;
+    text.reserve(characters + piece.size());
+    while (text.size() < characters) {
+        text += piece;
+    }
+    return text;
+}
+
+} // namespace
+
+TEST_CASE("a failure is reported with the file and the line of its property") {
+    struct Case {
+        const char* name;
+        Text object;
+        std::int32_t number;
+        int line;
+    };
+
+    for (const Case& c : std::to_array<Case>({
+             {"first line", objectOf({u"BEGIN:VTODO"}), -1996, 1},
+             {"a date", eventOf({u"DTSTART:20260229T000000Z"}), 13, 4},
+             {"lines before it were folded", eventOf({u"SUMMARY:a", u" b", u" c", u"CATEGORIES:X"}),
+              -1994, 7},
+             {"lone LF counts too", u"BEGIN:VCALENDAR\nBEGIN:VEVENT\nX:1\n", -1993, 3},
+             {"a number", eventOf({u"RRULE:MD1 99999999999999999999"}), 6, 4},
+             {"a blank line belongs to what follows",
+              u"BEGIN:VEVENT\r\nEND:VEVENT\r\nBEGIN:VEVENT\r\n\r\nEND:VEVENT\r\n", -1993, 4},
+         })) {
+        CAPTURE(c.name);
+        const FreshProgram program;
+        keepReports();
+        Table<Calendar> table;
+        vCalCreateNewRecord(table);
+        CHECK_FALSE(ParsEntryFromMobile(table, c.object, u"17.vcs"));
+        REQUIRE(reports.size() == 1);
+        CHECK(reports[0].failure.Number == c.number);
+        CHECK(reports[0].failure.File == u"17.vcs");
+        CHECK(reports[0].failure.Line == c.line);
+        CHECK(reports[0].message.find(u"17.vcs") != Text::npos);
+        CHECK(reports[0].module == u"vCal");
+        CHECK(reports[0].proc == u"ParsEntryFromMobile");
+    }
+}
+
+TEST_CASE("a text that cannot be decoded is reported, the object is read") {
+    const FreshProgram program;
+    keepReports();
+    Table<Calendar> table;
+    vCalCreateNewRecord(table);
+    CHECK(ParsEntryFromMobile(
+        table, eventOf({u"SUMMARY;CHARSET=UTF-8;ENCODING=QUOTED-PRINTABLE:ab=C3"}), u"9.vcs"));
+    REQUIRE(reports.size() == 1);
+    CHECK(reports[0].proc == u"encodeString");
+    CHECK(reports[0].failure.Line == 4);
+    CHECK(reports[0].failure.File == u"9.vcs");
+    CHECK(table[cal::Text] == u"ab=C3");
+    CHECK_FALSE(table[cal::UTF8Flag]);
+}
+
+TEST_CASE("more frames than can be counted are a failure") {
+    const FreshProgram program;
+    Table<Calendar> table;
+    vCalCreateNewRecord(table);
+    for (const TextView line : {TextView(u"BEGIN:VEVENT\r\n"), TextView(u"END:VEVENT\r\n")}) {
+        CAPTURE(line);
+        const auto failure = readCalendarObject(table, repeated(line, line.size() * 40000));
+        REQUIRE(failure);
+        CHECK(failure->Number == failure_number::kOverflow);
+        CHECK(failure->Line >= 32768);
+    }
+}
+
+TEST_CASE("below the outermost END an unknown tag ends the reading") {
+    const FreshProgram program;
+    Table<Calendar> table;
+    vCalCreateNewRecord(table);
+    CHECK_FALSE(readCalendarObject(table, objectOf({u"END:VEVENT", u"X:1", u"BEGIN:VTODO"})));
+}
+
+TEST_CASE("the object is shown in a box where that is asked for") {
+    FreshProgram program;
+    const Text object = eventOf({u"SUMMARY:a"});
+    Table<Calendar> table;
+    vCalCreateNewRecord(table);
+    CHECK(ParsEntryFromMobile(table, object));
+    CHECK(program.screen.boxesShown.empty());
+    app.core.GlobalCommandShowText = kTrue;
+    CHECK(ParsEntryFromMobile(table, object));
+    CHECK(program.screen.boxesShown == std::vector<Text>{object});
+}
+
+TEST_CASE("many folded lines are one value" * doctest::timeout(60)) {
+    const FreshProgram program;
+    Table<Calendar> table;
+    vCalCreateNewRecord(table);
+    constexpr std::size_t kLines = 100000;
+    const Text folded = repeated(u" x\r\n", kLines * 4);
+    CHECK_FALSE(readCalendarObject(table, eventOf({u"SUMMARY:" + folded + u" y"})));
+    CHECK(table[cal::Summary].size() == kLines * 2 + 2);
+    CHECK(table[cal::Summary].ends_with(u" x y"));
+}
+
+TEST_CASE("huge objects are read to an end" * doctest::timeout(120)) {
+    const FreshProgram program;
+    Table<Calendar> table;
+    vCalCreateNewRecord(table);
+    const TextView encoded = u"SUMMARY;CHARSET=UTF-8;ENCODING=QUOTED-PRINTABLE:";
+
+    struct Case {
+        const char* name;
+        Text object;
+        bool read;
+    };
+
+    for (const Case& c : std::to_array<Case>({
+             {"one line without an end", repeated(u"a", kAlmost16MiB), true},
+             {"one giant value", u"SUMMARY:" + repeated(u"a", kAlmost16MiB), true},
+             {"zero bytes", Text(kAlmost16MiB, u'\0'), true},
+             {"zero bytes inside", eventOf({Text(kMany, u'\0')}), false},
+             {"blanks", Text(kMany, u' '), true},
+             {"folded blanks", u"SUMMARY:a\r\n" + repeated(u" \r\n", kAlmost16MiB), true},
+             {"folded LF", u"SUMMARY:a\n" + repeated(u" \n", kMany), true},
+             {"colons", u"SUMMARY:" + Text(kMany, u':'), true},
+             {"line ends", eventOf({repeated(u"\r\n", kMany)}), false},
+             {"lines without a colon inside", eventOf({repeated(u"a\n", kMany)}), false},
+             {"semicolons", u"SUMMARY:" + Text(kMany, u';'), true},
+             {"escaped semicolons", u"SUMMARY:" + repeated(u"\\;", kMany), true},
+             {"mixed semicolons", u"SUMMARY:" + repeated(u"a\\;b;", kMany), true},
+             {"quoted bytes", Text(encoded) + repeated(u"=C3=A4", kMany), true},
+             {"quoted letters of the code page", Text(encoded) + repeated(u"ä=", kMany), true},
+             {"categories again and again", repeated(u"CATEGORIES:MEETING\n", kMany), true},
+             {"texts again and again", repeated(u"SUMMARY:abcdefgh\n", kMany), true},
+             {"days", u"RRULE:W1 " + repeated(u"XX ", kMany), true},
+             {"digits", u"RRULE:MD1 " + Text(kMany, u'0'), true},
+             {"a date", u"DTSTART:" + repeated(u"TZ", kMany), false},
+         })) {
+        CAPTURE(c.name);
+        CHECK(readCalendarObject(table, c.object).has_value() != c.read);
+    }
+}

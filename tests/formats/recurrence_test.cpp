@@ -1,0 +1,264 @@
+#include "formats/recurrence.h"
+
+#include "formats/row_text.h"
+#include "support/fresh_program.h"
+
+using namespace tandolin;
+using namespace tandolin::testing;
+
+namespace {
+
+/// A series of the phone at 18:00 to 19:30, as the reader leaves it.
+void addSeries(Table<Calendar>& table, TextView type, Date anchor) {
+    vCalCreateNewRecord(table);
+    const Date start = atTime(anchor, Date{0.75});
+    table.set(cal::IsRecurring, true);
+    table.set(cal::RecurrenceType, type);
+    table.set(cal::PIMRecPatt, wholeDay(anchor));
+    table.set(cal::StartDate, wholeDay(anchor));
+    table.set(cal::Start, start);
+    table.set(cal::DTStart, start);
+    table.set(cal::StartTime, u"18:00");
+    table.set(cal::StartAsText, dateAsText(start));
+    table.set(cal::EndTime, at(1899, 12, 30, 19, 30));
+    table.set(cal::StartEndDiff, std::int64_t{0});
+    table.set(cal::EntryType, CONST_ENTRY_vCAL_MOBILE);
+}
+
+void setPeriod(Date from, Date to) {
+    app.sync.GlobalPeriodStart = from;
+    app.sync.GlobalPeriodEnd = to;
+}
+
+int reports = 0;
+
+void countReports() {
+    reports = 0;
+    app.core.GlobalADOAvailable = kTrue;
+    app.core.programErrorHook = [](const Failure&, TextView, Place) { ++reports; };
+}
+
+} // namespace
+
+TEST_CASE("a series moves to its next date in the period") {
+    struct Case {
+        const char* name;
+        Text type;
+        Date anchor, from, moved;
+    };
+
+    for (const Case& c : std::to_array<Case>({
+             {"daily", u"D", at(2026, 1, 1), at(2026, 11, 17), at(2026, 11, 17)},
+             {"begins with the period", u"D", at(2026, 11, 17), at(2026, 11, 17), at(2026, 11, 17)},
+             {"begins later", u"M", at(2026, 12, 1), at(2026, 11, 17), at(2026, 12, 1)},
+             {"monthly", u"M", at(2026, 1, 17), at(2026, 11, 17), at(2026, 11, 17)},
+             {"monthly, the day is past", u"M", at(2026, 1, 16), at(2026, 11, 17),
+              at(2026, 12, 16)},
+             {"the 31st in a short month", u"M", at(2026, 1, 31), at(2026, 2, 10), at(2026, 2, 28)},
+             {"the 31st comes back", u"M", at(2026, 1, 31), at(2026, 3, 1), at(2026, 3, 31)},
+             {"a short month before the period", u"M", at(2026, 1, 31), at(2026, 4, 30),
+              at(2026, 4, 30)},
+             {"yearly", u"Y", at(1990, 5, 1), at(2026, 5, 2), at(2027, 5, 1)},
+             {"29 February in a common year", u"Y", at(2024, 2, 29), at(2026, 2, 1),
+              at(2026, 2, 28)},
+             {"29 February in a leap year", u"Y", at(2024, 2, 29), at(2028, 2, 29),
+              at(2028, 2, 29)},
+             {"an unknown type goes by days", u"", at(2026, 1, 1), at(2026, 2, 1), at(2026, 2, 1)},
+             {"weekly on its own day", u"W", at(2026, 1, 7), at(2026, 11, 17), at(2026, 11, 18)},
+             {"at least one week on", u"W", at(2026, 11, 16), at(2026, 11, 17), at(2026, 11, 23)},
+             {"32767 days at most", u"D", at(1930, 1, 1),
+              addUnits(at(1930, 1, 1), DateUnit::days, 32767),
+              addUnits(at(1930, 1, 1), DateUnit::days, 32767)},
+         })) {
+        CAPTURE(c.name);
+        const FreshProgram program;
+        Table<Calendar> table;
+        addSeries(table, c.type, c.anchor);
+        setPeriod(c.from, addUnits(c.from, DateUnit::days, 7));
+        MoveSerieIntoPeriod(table);
+        CHECK(table[cal::StartDate] == c.moved);
+        CHECK(table[cal::Start] == atTime(c.moved, Date{0.75}));
+        CHECK(table[cal::PIMRecPatt] == c.anchor);
+    }
+}
+
+TEST_CASE("what a move takes along") {
+    const FreshProgram program;
+    Table<Calendar> table;
+    addSeries(table, u"M", at(2026, 1, 15));
+    table.set(cal::StartEndDiff, std::int64_t{2});
+    table.set(cal::DAlarmFlag, true);
+    table.set(cal::AAlarmFlag, true);
+    table.set(cal::RecurrenceIntervall, std::int64_t{3});
+    setPeriod(at(2026, 11, 1), at(2026, 11, 7));
+    vCalCreateMobileSerieRecords(table);
+    CHECK(table[cal::DTStart] == at(2026, 11, 15, 18, 0));
+    CHECK(table[cal::EndDate] == at(2026, 11, 17));
+    CHECK(table[cal::DTEnd] == at(2026, 11, 17, 19, 30));
+    // Wanted: the alarms lose their time of day, and nothing counts as changed.
+    CHECK(table[cal::DAlarm] == at(2026, 11, 15));
+    CHECK(table[cal::AAlarm] == at(2026, 11, 15));
+    CHECK_FALSE(table[cal::IsChanged]);
+    CHECK(table[cal::StartAsText] == u"15.01.2026 18:00");
+}
+
+TEST_CASE("alarms that are off stay 0, and a single entry stays where it is") {
+    const FreshProgram program;
+    Table<Calendar> table;
+    addSeries(table, u"D", at(2026, 1, 15));
+    setPeriod(at(2026, 11, 1), at(2026, 11, 7));
+    table.set(cal::IsRecurring, false);
+    const std::string before = rowText(table);
+    vCalCreatePIMSerieRecords(table);
+    CHECK(rowText(table) == before);
+    table.set(cal::IsRecurring, true);
+    vCalCreatePIMSerieRecords(table);
+    CHECK(table[cal::StartDate] == at(2026, 11, 1));
+    CHECK(table[cal::AAlarm] == Date{0});
+}
+
+TEST_CASE("without an anchor the start date counts") {
+    const FreshProgram program;
+    Table<Calendar> table;
+    addSeries(table, u"M", at(2026, 1, 15));
+    table.set(cal::PIMRecPatt, Date{0});
+    setPeriod(at(2026, 11, 1), at(2026, 11, 7));
+    MoveSerieIntoPeriod(table);
+    CHECK(table[cal::StartDate] == at(2026, 11, 15));
+    CHECK(table[cal::PIMRecPatt] == Date{0});
+}
+
+TEST_CASE("a move that cannot be made is reported once and changes nothing") {
+    struct Case {
+        const char* name;
+        Text type;
+        Date anchor, from;
+        std::int64_t mask;
+        Text startTime;
+    };
+
+    const Date from = at(2026, 11, 1);
+    for (const Case& c : std::to_array<Case>({
+             {"too many days", u"D", at(1930, 1, 1),
+              addUnits(at(1930, 1, 1), DateUnit::days, 32768), 0, u"18:00"},
+             {"too many weeks", u"W", at(1000, 1, 1), from, 2, u"18:00"},
+             {"too many weeks on several days", u"W", at(1000, 1, 1), from, 42, u"18:00"},
+             {"too many weeks without a day", u"W", at(1000, 1, 1), from, 0, u"18:00"},
+             {"behind the last year", u"Y", at(9990, 1, 1), at(9999, 6, 1), 0, u"18:00"},
+             {"a start time that is none", u"W", at(2026, 1, 1), from, 0, u"noon"},
+         })) {
+        CAPTURE(c.name);
+        const FreshProgram program;
+        countReports();
+        Table<Calendar> table;
+        addSeries(table, c.type, c.anchor);
+        table.set(cal::WeekDayMask, c.mask);
+        table.set(cal::StartTime, c.startTime);
+        setPeriod(c.from, c.from);
+        const std::string before = rowText(table);
+        MoveSerieIntoPeriod(table);
+        CHECK(rowText(table) == before);
+        CHECK(reports == 1);
+    }
+}
+
+TEST_CASE("weekly series on several days" * doctest::timeout(10)) {
+    struct Case {
+        const char* name;
+        std::int64_t mask;
+        Date anchor, start, from, to;
+        std::int32_t entryType;
+        Date moved, dtStart;
+    };
+
+    const Date monday = at(2026, 1, 5);
+    const std::int32_t phone = CONST_ENTRY_vCAL_MOBILE;
+    const std::int32_t organizer = CONST_ENTRY_vCAL_PIM;
+    for (const Case& c : std::to_array<Case>({
+             {"anchor and start on different week days", 42, monday, at(2026, 11, 18),
+              at(2026, 11, 17), at(2026, 11, 24), phone, at(2026, 11, 23), at(2026, 11, 20)},
+             {"the anchor's day lies behind the period", 42, monday, monday, at(2026, 11, 17),
+              at(2026, 11, 20), organizer, at(2026, 11, 20), at(2026, 11, 20)},
+             {"the same from the phone goes beyond", 42, monday, monday, at(2026, 11, 17),
+              at(2026, 11, 20), phone, at(2026, 11, 23), at(2026, 11, 20)},
+             {"Sunday comes first within a week", 0b0100011, monday, monday, at(2026, 11, 20),
+              at(2026, 11, 21), organizer, at(2026, 11, 20), at(2026, 11, 20)},
+             {"the period begins on the anchor's day", 10, monday, monday, at(2026, 11, 16),
+              at(2026, 11, 22), organizer, at(2026, 11, 16), monday},
+             {"bits beyond the seven days do not count", 128 + 10, monday, monday, at(2026, 11, 17),
+              at(2026, 11, 22), organizer, at(2026, 11, 18), at(2026, 11, 18)},
+             {"every day", 127, monday, monday, at(2026, 11, 19), at(2026, 11, 19), organizer,
+              at(2026, 11, 21), at(2026, 11, 21)},
+         })) {
+        CAPTURE(c.name);
+        const FreshProgram program;
+        Table<Calendar> table;
+        addSeries(table, u"W", c.anchor);
+        table.set(cal::Start, atTime(c.start, Date{0.75}));
+        table.set(cal::StartDate, c.start);
+        table.set(cal::WeekDayMask, c.mask);
+        table.set(cal::EntryType, c.entryType);
+        setPeriod(c.from, c.to);
+        MoveSerieIntoPeriod(table);
+        CHECK(table[cal::StartDate] == c.moved);
+        CHECK(table[cal::Start] == atTime(c.moved, Date{0.75}));
+        CHECK(table[cal::DTEnd] == atTime(c.moved, at(1899, 12, 30, 19, 30)));
+        CHECK(table[cal::DTStart] == atTime(c.dtStart, Date{0.75}));
+        CHECK(table[cal::StartAsText] == dateAsText(table[cal::DTStart]));
+        CHECK(table[cal::StartTime] == u"18:00");
+        CHECK(table[cal::WeekDayMask] == c.mask);
+    }
+}
+
+TEST_CASE("a mask without one of the seven days becomes the anchor's day") {
+    for (const std::int64_t mask : {0, 128, 256}) {
+        CAPTURE(mask);
+        const FreshProgram program;
+        Table<Calendar> table;
+        addSeries(table, u"W", at(2026, 1, 7));
+        table.set(cal::WeekDayMask, mask);
+        setPeriod(at(2026, 11, 17), at(2026, 11, 24));
+        calcnewStartDateWeekSerie(table);
+        CHECK(table[cal::WeekDayMask] == 8);
+        CHECK(table[cal::StartDate] == at(2026, 11, 18));
+    }
+}
+
+TEST_CASE("the long way and the short way lead to the same day") {
+    // Anchors of many weeks before the period must give what a walk from close by gives.
+    const FreshProgram program;
+    for (const std::int64_t mask : {3, 42, 65, 96, 127}) {
+        for (int day = 0; day < 7; ++day) {
+            CAPTURE(mask);
+            CAPTURE(day);
+            const Date from = at(2026, 11, 15 + day);
+            setPeriod(from, addUnits(from, DateUnit::days, 7));
+            Table<Calendar> table;
+            addSeries(table, u"W", at(2026, 11, 4));
+            table.set(cal::WeekDayMask, mask);
+            MoveSerieIntoPeriod(table);
+            Table<Calendar> old;
+            addSeries(old, u"W", addUnits(at(2026, 11, 4), DateUnit::weeks, -1000));
+            old.set(cal::WeekDayMask, mask);
+            MoveSerieIntoPeriod(old);
+            CHECK(old[cal::Start] == table[cal::Start]);
+            const bool stays = table[cal::DTStart] == atTime(at(2026, 11, 4), Date{0.75});
+            CHECK(old[cal::DTStart] == (stays
+                                            ? addUnits(table[cal::DTStart], DateUnit::weeks, -1000)
+                                            : table[cal::DTStart]));
+        }
+    }
+}
+
+TEST_CASE("rows are counted by their origin and the position stays") {
+    const FreshProgram program;
+    Table<Calendar> table;
+    for (const std::int32_t origin : {1, 2, 3, 3, 2, 3, 0}) {
+        vCalCreateNewRecord(table);
+        table.set(cal::EntryType, origin);
+    }
+    table.setAbsolutePosition(3);
+    CHECK(countPairedRows(table) == 3);
+    CHECK(countPhoneOnlyRows(table) == 2);
+    CHECK(table.AbsolutePosition() == 3);
+}
