@@ -119,8 +119,7 @@ bool RegValCreate() {
                 RegEnsureValue(SettingsRoot::user, kSettingsKey, u"Settings");
             }
         }
-        name = {};
-        app.ports.settings->save();
+        // Not saved here: the start first has to know that no other instance is active.
         return written;
     });
 }

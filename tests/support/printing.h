@@ -10,6 +10,12 @@
 
 namespace doctest {
 
+/// The name of a case, which would be shown as an address.
+template <>
+struct StringMaker<const char*> {
+    static String convert(const char* text) { return text; }
+};
+
 template <>
 struct StringMaker<tandolin::Text> {
     static String convert(const tandolin::Text& text) { return tandolin::toUtf8(text).c_str(); }

@@ -1,0 +1,14 @@
+#pragma once
+
+#include "store/tables.h"
+
+namespace tandolin {
+
+/// Looks the organizer's items up for the table's current row, an entry of the phone alone: those
+/// at its start, for an entry with a time those up to one hour later, and for a series those at its
+/// anchor too. The row that a found item matches becomes one of both sides; `vCalPIMCount` grows by
+/// it. The position stays. False after a reported failure: the organizer may hold the entry all the
+/// same.
+bool SearchingforaOutlookEntry(Table<Calendar>& table);
+
+} // namespace tandolin

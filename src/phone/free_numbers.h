@@ -1,0 +1,16 @@
+#pragma once
+
+#include <cstdint>
+
+namespace tandolin {
+
+/// The number for a new calendar object: what `GetFreeMobileEntryID` gives for `RSCalendar`, moved
+/// on past numbers that the table does not show: queued rows, rows whose object has another number,
+/// and, whenever the table does not hold the whole phone, the objects that a listing shows. -1 when
+/// none is left or the listing failed.
+std::int32_t freeCalendarNumber();
+
+/// The phone's objects are listed anew at the next need: after a full read, or at the end of a run.
+void forgetNumbersOnPhone();
+
+} // namespace tandolin

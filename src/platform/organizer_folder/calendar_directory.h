@@ -1,0 +1,64 @@
+#pragma once
+
+// The directory of the calendar files: listing, reading, and what tells that a file was changed.
+
+#include "core/text.h"
+
+#include <sys/types.h>
+
+#include <cstdint>
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace tandolin::platform {
+
+/// What differs when a file was replaced or written.
+struct FileStamp {
+    ino_t inode = 0;
+    std::int64_t modifiedNs = 0;
+    off_t size = -1;
+
+    friend bool operator==(const FileStamp&, const FileStamp&) = default;
+
+    /// The time of the last change in seconds of UTC.
+    [[nodiscard]] std::int64_t modifiedSeconds() const { return modifiedNs / 1'000'000'000; }
+};
+
+class CalendarDirectory {
+public:
+    /// `root` is what file names are told relative to, and where links may lead.
+    CalendarDirectory(const std::filesystem::path& root, const std::filesystem::path& directory);
+
+    /// Throws Failure -1987 when there is no such directory or it may not be read.
+    void checkOpen() const;
+    /// The stamp of the directory itself. Throws Failure -1987.
+    [[nodiscard]] FileStamp stamp() const;
+    /// The names of all calendar files in order; hidden and temporary ones, what is no file, and
+    /// links that leave the root are passed over. Throws Failure -1987.
+    [[nodiscard]] std::vector<std::string> names() const;
+    /// Nothing when the file is gone. Throws Failure -1987.
+    [[nodiscard]] std::optional<FileStamp> stampOf(const std::string& name) const;
+
+    enum class Outcome { read, gone, tooLarge };
+    /// Reads the file into `bytes`, whose memory is used again. Throws Failure -1987.
+    Outcome read(const std::string& name, std::string& bytes, FileStamp& stamp) const;
+
+    /// "calendar/x.ics".
+    [[nodiscard]] Text label(std::string_view name) const;
+    /// Where the file is written to; the target of a link.
+    [[nodiscard]] std::filesystem::path pathOf(const std::string& name) const;
+
+    [[nodiscard]] const std::filesystem::path& path() const { return directory_; }
+
+private:
+    [[nodiscard]] bool staysInside(const std::string& name) const;
+
+    std::filesystem::path root_;
+    std::filesystem::path directory_;
+    std::string labelFolder_;
+};
+
+} // namespace tandolin::platform

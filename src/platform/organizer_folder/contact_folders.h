@@ -1,0 +1,41 @@
+#pragma once
+
+// The tree of contact folders: every directory below the contacts directory is one. Cards are not
+// read here.
+
+#include "core/ports/organizer.h"
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+namespace tandolin::platform {
+
+class ContactFolders {
+public:
+    ContactFolders(const std::filesystem::path& root, const std::filesystem::path& directory);
+
+    /// The top folders with all below them, by name; empty without a contacts directory. Names come
+    /// from a file `displayname` in the folder, else from the directory; EntryID is the path below
+    /// the contacts directory. Throws Failure -1987.
+    [[nodiscard]] std::vector<FolderRecord> tree() const;
+    /// `Kontakte`, else the first top folder by name. Throws Failure -1987 when there is none.
+    [[nodiscard]] FolderRecord defaultFolder() const;
+    /// Throws Failure -1987 when there is no such folder.
+    [[nodiscard]] FolderRecord folder(TextView entryID, TextView storeID) const;
+
+private:
+    [[nodiscard]] std::vector<FolderRecord> below(const std::filesystem::path& directory,
+                                                  const std::string& entryID, const Text& parent,
+                                                  int depth) const;
+
+    std::filesystem::path root_;
+    std::filesystem::path directory_;
+    Text storeID_;
+};
+
+/// The identifier of a store at this root: equal for equal places, at least 100 characters long,
+/// since the settings forget a shorter one.
+Text storeIdOf(const std::filesystem::path& root);
+
+} // namespace tandolin::platform

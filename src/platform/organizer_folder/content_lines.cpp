@@ -1,0 +1,259 @@
+#include "platform/organizer_folder/content_lines.h"
+
+#include <algorithm>
+
+namespace tandolin::ical {
+
+namespace {
+
+constexpr std::size_t kFoldAt = 75;
+constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+
+char lower(char c) {
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c;
+}
+
+std::string_view withoutLineEnd(std::string_view raw) {
+    if (raw.ends_with('\n')) {
+        raw.remove_suffix(1);
+    }
+    while (raw.ends_with('\r')) {
+        raw.remove_suffix(1);
+    }
+    return raw;
+}
+
+std::string unfolded(std::string_view raw) {
+    std::string text;
+    text.reserve(raw.size());
+    bool first = true;
+    while (!raw.empty()) {
+        const std::size_t end = std::min(raw.find('\n'), raw.size() - 1) + 1;
+        const std::string_view piece = withoutLineEnd(raw.substr(0, end));
+        // The one blank or tab behind a break belongs to the fold.
+        text += first ? piece : piece.substr(1);
+        first = false;
+        raw.remove_prefix(end);
+    }
+    return text;
+}
+
+bool startsWithName(std::string_view text, std::string_view name) {
+    return text.size() >= name.size() && sameName(text.substr(0, name.size()), name);
+}
+
+bool isContinuation(char byte) {
+    return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U;
+}
+
+} // namespace
+
+std::string_view withoutBlanks(std::string_view text) {
+    while (!text.empty() && (text.back() == ' ' || text.back() == '\t')) {
+        text.remove_suffix(1);
+    }
+    while (!text.empty() && (text.front() == ' ' || text.front() == '\t')) {
+        text.remove_prefix(1);
+    }
+    return text;
+}
+
+bool sameName(std::string_view a, std::string_view b) {
+    if (a.size() != b.size()) {
+        return false;
+    }
+    for (std::size_t i = 0; i < a.size(); ++i) {
+        if (a[i] != b[i] && lower(a[i]) != lower(b[i])) {
+            return false;
+        }
+    }
+    return true;
+}
+
+std::string_view propertyName(std::string_view text) {
+    return text.substr(0, text.find_first_of(":;"));
+}
+
+std::string_view propertyHead(std::string_view text) {
+    bool quoted = false;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        if (text[i] == '"') {
+            quoted = !quoted;
+        } else if (text[i] == ':' && !quoted) {
+            return text.substr(0, i);
+        }
+    }
+    return text;
+}
+
+std::string_view propertyValue(std::string_view text) {
+    const std::size_t head = propertyHead(text).size();
+    return head < text.size() ? text.substr(head + 1) : std::string_view{};
+}
+
+std::string_view parameterOf(std::string_view text, std::string_view name) {
+    std::string_view rest = propertyHead(text);
+    rest.remove_prefix(propertyName(rest).size());
+    while (!rest.empty()) {
+        rest.remove_prefix(1);
+        std::size_t end = 0;
+        for (bool quoted = false; end < rest.size() && (quoted || rest[end] != ';'); ++end) {
+            quoted = quoted != (rest[end] == '"');
+        }
+        const std::string_view one = rest.substr(0, end);
+        const std::size_t equals = one.find('=');
+        if (equals != std::string_view::npos && sameName(one.substr(0, equals), name)) {
+            std::string_view value = one.substr(equals + 1);
+            if (value.size() >= 2 && value.front() == '"' && value.back() == '"') {
+                value = value.substr(1, value.size() - 2);
+            }
+            return value;
+        }
+        rest.remove_prefix(end);
+    }
+    return {};
+}
+
+std::string foldedLine(std::string_view text, std::string_view lineEnd) {
+    std::string result;
+    std::size_t room = kFoldAt;
+    while (text.size() > room) {
+        std::size_t cut = room;
+        while (cut > 1 && isContinuation(text[cut])) {
+            --cut;
+        }
+        result.append(text.substr(0, cut)).append(lineEnd).append(" ");
+        text.remove_prefix(cut);
+        room = kFoldAt - 1;
+    }
+    return result.append(text).append(lineEnd);
+}
+
+void ContentLines::assign(std::string_view bytes) {
+    lines_.clear();
+    texts_.clear();
+    const std::size_t firstBreak = bytes.find('\n');
+    const bool bare =
+        firstBreak != std::string_view::npos && (firstBreak == 0 || bytes[firstBreak - 1] != '\r');
+    lineEnd_ = bare ? "\n" : "\r\n";
+    std::size_t begin = 0;
+    while (begin < bytes.size()) {
+        std::size_t end = begin;
+        bool folded = false;
+        for (;;) {
+            const std::size_t found = bytes.find('\n', end);
+            end = found == std::string_view::npos ? bytes.size() : found + 1;
+            const bool goesOn = end < bytes.size() && (bytes[end] == ' ' || bytes[end] == '\t');
+            if (!goesOn) {
+                break;
+            }
+            folded = true;
+        }
+        addLine(bytes.substr(begin, end - begin), folded);
+        begin = end;
+    }
+    readStructure();
+}
+
+void ContentLines::addLine(std::string_view raw, bool folded) {
+    ContentLine line{raw, {}, -1};
+    line.text = folded ? std::string_view(texts_.emplace_back(unfolded(raw))) : withoutLineEnd(raw);
+    if (lines_.empty() && line.text.starts_with(kByteOrderMark)) {
+        line.text.remove_prefix(kByteOrderMark.size());
+    }
+    lines_.push_back(line);
+}
+
+void ContentLines::readStructure() {
+    components_.clear();
+    problem_ = nullptr;
+    int open = -1;
+    bool calendar = false;
+    for (std::size_t i = 0; i < lines_.size(); ++i) {
+        const std::string_view text = lines_[i].text;
+        lines_[i].component = open;
+        if (startsWithName(text, "BEGIN:")) {
+            const std::string_view kind = withoutBlanks(text.substr(6));
+            calendar = calendar || (open < 0 && sameName(kind, "VCALENDAR"));
+            components_.push_back({kind, i, i, open});
+            open = static_cast<int>(components_.size()) - 1;
+            lines_[i].component = open;
+        } else if (startsWithName(text, "END:")) {
+            const std::string_view kind = withoutBlanks(text.substr(4));
+            if (open < 0 || !sameName(components_[static_cast<std::size_t>(open)].name, kind)) {
+                problem_ = "an END line meets no BEGIN line";
+                return;
+            }
+            Component& closed = components_[static_cast<std::size_t>(open)];
+            closed.end = i;
+            open = closed.parent;
+        }
+    }
+    if (lines_.empty()) {
+        problem_ = "the file is empty";
+    } else if (!calendar) {
+        problem_ = "the file holds no calendar";
+    } else if (open >= 0) {
+        problem_ = "the file ends within a component";
+    }
+}
+
+std::size_t ContentLines::find(int component, std::string_view name, std::size_t from) const {
+    const Component& c = components_[static_cast<std::size_t>(component)];
+    for (std::size_t i = std::max(from, c.begin + 1); i < c.end; ++i) {
+        const std::string_view text = lines_[i].text;
+        if (lines_[i].component == component && text.size() > name.size() &&
+            (text[name.size()] == ':' || text[name.size()] == ';') &&
+            sameName(text.substr(0, name.size()), name)) {
+            return i;
+        }
+    }
+    return kNoLine;
+}
+
+std::string_view ContentLines::value(int component, std::string_view name) const {
+    const std::size_t line = find(component, name);
+    return line == kNoLine ? std::string_view{} : propertyValue(lines_[line].text);
+}
+
+ContentLine ContentLines::made(std::string_view text) {
+    const std::string& unfoldedText = texts_.emplace_back(text);
+    const std::string& raw = texts_.emplace_back(foldedLine(unfoldedText, lineEnd_));
+    return {raw, unfoldedText, -1};
+}
+
+void ContentLines::replaceLine(std::size_t line, std::string_view text) {
+    lines_[line] = made(text);
+    readStructure();
+}
+
+void ContentLines::insertLine(std::size_t before, std::string_view text) {
+    lines_.insert(lines_.begin() + static_cast<std::ptrdiff_t>(before), made(text));
+    readStructure();
+}
+
+void ContentLines::insertLines(std::size_t before, std::string_view texts) {
+    while (!texts.empty()) {
+        const std::size_t end = std::min(texts.find('\n'), texts.size());
+        lines_.insert(lines_.begin() + static_cast<std::ptrdiff_t>(before++),
+                      made(texts.substr(0, end)));
+        texts.remove_prefix(std::min(end + 1, texts.size()));
+    }
+    readStructure();
+}
+
+void ContentLines::removeLines(std::size_t first, std::size_t last) {
+    lines_.erase(lines_.begin() + static_cast<std::ptrdiff_t>(first),
+                 lines_.begin() + static_cast<std::ptrdiff_t>(last) + 1);
+    readStructure();
+}
+
+std::string ContentLines::bytes() const {
+    std::string all;
+    for (const ContentLine& line : lines_) {
+        all += line.raw;
+    }
+    return all;
+}
+
+} // namespace tandolin::ical

@@ -1,0 +1,109 @@
+#pragma once
+
+// A calendar file as its content lines. Every line keeps its raw bytes, folds and line end
+// included, so that writing back changes nothing but the lines that were replaced: the library for
+// calendars drops escapes and unknown properties when it prints, and other programs' data would be
+// lost.
+//
+//     "SUMMARY:Zahn\r\n  arzt\r\n"  is one line: raw as it stands, text "SUMMARY:Zahn arzt"
+
+#include <cstddef>
+#include <deque>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace tandolin::ical {
+
+/// One logical line.
+struct ContentLine {
+    std::string_view raw;  ///< as in the file
+    std::string_view text; ///< unfolded, without the line end
+    int component = -1;    ///< the component it stands in directly, -1 outside of all
+};
+
+/// A BEGIN ... END block; `begin` and `end` are the indexes of these two lines.
+struct Component {
+    std::string_view name;
+    std::size_t begin = 0;
+    std::size_t end = 0;
+    int parent = -1;
+};
+
+inline constexpr std::size_t kNoLine = static_cast<std::size_t>(-1);
+
+/// The text without blanks and tabs at both ends.
+std::string_view withoutBlanks(std::string_view text);
+
+/// ASCII comparison without regard to case, as names of properties and parameters are compared.
+bool sameName(std::string_view a, std::string_view b);
+
+/// The name before the first ";" or ":".
+std::string_view propertyName(std::string_view text);
+
+/// Everything before the colon that ends the parameters (a colon within quotes does not).
+std::string_view propertyHead(std::string_view text);
+
+/// What follows that colon; empty without one.
+std::string_view propertyValue(std::string_view text);
+
+/// The value of a parameter without its quotes; empty when it is absent.
+std::string_view parameterOf(std::string_view text, std::string_view name);
+
+/// The line cut into pieces of at most 75 bytes, never within a UTF-8 character, with line ends.
+std::string foldedLine(std::string_view text, std::string_view lineEnd);
+
+class ContentLines {
+public:
+    ContentLines() = default;
+
+    /// The bytes are not copied and must outlive the object.
+    explicit ContentLines(std::string_view bytes) { assign(bytes); }
+
+    ContentLines(const ContentLines&) = delete;
+    ContentLines& operator=(const ContentLines&) = delete;
+    ~ContentLines() = default;
+
+    /// Starts over with other bytes; memory is kept for the next file.
+    void assign(std::string_view bytes);
+
+    /// Why the lines are no calendar, null when they are one.
+    [[nodiscard]] const char* problem() const { return problem_; }
+
+    [[nodiscard]] const std::vector<ContentLine>& lines() const { return lines_; }
+
+    [[nodiscard]] const std::vector<Component>& components() const { return components_; }
+
+    /// The first direct property of the component with this name at or behind `from`.
+    [[nodiscard]] std::size_t find(int component, std::string_view name,
+                                   std::size_t from = 0) const;
+    /// Its value; empty when it is absent.
+    [[nodiscard]] std::string_view value(int component, std::string_view name) const;
+
+    [[nodiscard]] std::string_view textAt(std::size_t line) const { return lines_[line].text; }
+
+    // Changes. Indexes and component numbers from before a change are stale behind it.
+    void replaceLine(std::size_t line, std::string_view text);
+    void insertLine(std::size_t before, std::string_view text);
+    /// Several lines at once, each ended by LF in `texts`.
+    void insertLines(std::size_t before, std::string_view texts);
+    void removeLines(std::size_t first, std::size_t last);
+
+    /// All lines as they go into the file.
+    [[nodiscard]] std::string bytes() const;
+
+    [[nodiscard]] std::string_view lineEnd() const { return lineEnd_; }
+
+private:
+    void addLine(std::string_view raw, bool folded);
+    void readStructure();
+    ContentLine made(std::string_view text);
+
+    std::vector<ContentLine> lines_;
+    std::vector<Component> components_;
+    std::deque<std::string> texts_; ///< unfolded and new lines; a deque keeps them in place
+    std::string_view lineEnd_ = "\r\n";
+    const char* problem_ = nullptr;
+};
+
+} // namespace tandolin::ical

@@ -1,0 +1,158 @@
+#include "sync/calendar_rules.h"
+
+#include "core/trap.h"
+
+#include <algorithm>
+#include <array>
+
+namespace tandolin {
+
+namespace {
+
+using Rows = const Table<Calendar>&;
+
+constexpr TextView kPhoneCallTyp = u"3";
+
+bool meetsAnyOrganizerRow(TextView typ) {
+    return typ.empty() || typ == u"2" || typ == u"3";
+}
+
+bool bothSeriesOrNot(Rows main, Rows candidate) {
+    return main[cal::IsRecurring] == candidate[cal::IsRecurring];
+}
+
+bool seriesTypesAgree(Rows main, Rows candidate) {
+    return sameText(main[cal::RecurrenceType], candidate[cal::RecurrenceType]);
+}
+
+bool originsMayMeet(Rows main, Rows candidate) {
+    return main[cal::EntryType] != candidate[cal::EntryType] ||
+           main[cal::EntryType] == CONST_ENTRY_vCAL_BOTH;
+}
+
+bool anchorsAgree(Rows main, Rows candidate) {
+    return !candidate[cal::IsRecurring] ||
+           sameText(main[cal::PimRecPattString], candidate[cal::PimRecPattString]);
+}
+
+bool startTimesAgree(Rows main, Rows candidate) {
+    return sameText(main[cal::StartTime], candidate[cal::StartTime]);
+}
+
+bool leadingAgree(TextView main, std::size_t mainLength, TextView candidate,
+                  std::size_t candidateLength) {
+    return !main.empty() && !candidate.empty() &&
+           sameText(main.substr(0, mainLength), candidate.substr(0, candidateLength));
+}
+
+struct Rule {
+    bool (*holds)(Rows main, Rows candidate);
+    TextView otherwise;
+};
+
+constexpr std::array kSameEntryRules{
+    Rule{kindsAgree, u"the kinds differ"},
+    Rule{bothSeriesOrNot, u"one is a series, the other is not"},
+    Rule{seriesTypesAgree, u"the series repeat differently"},
+    Rule{originsMayMeet, u"both come from the same side"},
+    Rule{anchorsAgree, u"the series begin on different days"},
+    Rule{startTimesAgree, u"the times differ"},
+    Rule{textsAgree, u"the texts differ"},
+    Rule{vcalCheckbeforecompare, u"one of them is paired with another entry"}};
+
+std::size_t lengthOnPhone(Rows row) {
+    return row[cal::Typ] == kPhoneCallTyp ? static_cast<std::size_t>(Phonecall_Len(row[cal::Text]))
+                                          : kPhoneTextLength;
+}
+
+} // namespace
+
+std::int16_t Phonecall_Len(TextView text) {
+    return text.starts_with(u'+') ? 41 : 40;
+}
+
+bool kindsAgree(Rows main, Rows candidate) {
+    const TextView mainTyp = main[cal::Typ];
+    const TextView candidateTyp = candidate[cal::Typ];
+    return mainTyp == candidateTyp ||
+           (main[cal::Mobile] && meetsAnyOrganizerRow(mainTyp) && candidateTyp.empty()) ||
+           (candidate[cal::Mobile] && meetsAnyOrganizerRow(candidateTyp) && mainTyp.empty());
+}
+
+bool textsAgree(Rows main, Rows candidate) {
+    const TextView mainText = main[cal::Text];
+    const TextView candidateText = candidate[cal::Text];
+    if (mainText.empty() && candidateText.empty()) {
+        return true;
+    }
+    const auto mainLimit = static_cast<std::size_t>(Phonecall_Len(mainText));
+    const auto candidateLimit = static_cast<std::size_t>(Phonecall_Len(candidateText));
+    const bool mainIsCall = main[cal::Typ] == kPhoneCallTyp;
+    const bool candidateIsCall = candidate[cal::Typ] == kPhoneCallTyp;
+    // Wanted: a candidate that is a call enters this case whatever the lengths, a main row only
+    // with both texts at their limits.
+    if (candidateIsCall ||
+        (mainIsCall && mainText.size() >= mainLimit && candidateText.size() >= candidateLimit)) {
+        return leadingAgree(mainText, mainLimit, candidateText, candidateLimit);
+    }
+    if (!mainIsCall && mainText.size() >= kPhoneTextLength &&
+        candidateText.size() >= kPhoneTextLength) {
+        return leadingAgree(mainText, kPhoneTextLength, candidateText, kPhoneTextLength);
+    }
+    return sameText(mainText, candidateText);
+}
+
+bool vcalCheckbeforecompare(Rows main, Rows candidate) {
+    const std::int32_t mainType = main[cal::EntryType];
+    const std::int32_t candidateType = candidate[cal::EntryType];
+    if (mainType != candidateType && mainType != CONST_ENTRY_vCAL_BOTH &&
+        candidateType != CONST_ENTRY_vCAL_BOTH) {
+        return true;
+    }
+    const auto sameKey = [&](auto field) {
+        return !main[field].empty() && main[field] == candidate[field];
+    };
+    return sameKey(cal::UID) || sameKey(cal::EntryID);
+}
+
+bool sameEntry(Rows main, Rows candidate) {
+    return firstFailedRule(main, candidate).empty();
+}
+
+TextView firstFailedRule(Rows main, Rows candidate) {
+    const auto* const failed = std::ranges::find_if(
+        kSameEntryRules, [&](const Rule& rule) { return !rule.holds(main, candidate); });
+    return failed == kSameEntryRules.end() ? TextView{} : failed->otherwise;
+}
+
+bool EntryTypeCheck(std::int16_t SyncTermine, Rows table) {
+    constexpr int kAll = 32;
+    if ((SyncTermine & kAll) != 0) {
+        return true;
+    }
+    constexpr std::array<TextView, 4> kKinds{u"", u"1", u"2", u"3"};
+    const auto* const kind = std::ranges::find(kKinds, table[cal::Typ]);
+    return kind != kKinds.end() && (SyncTermine >> (kind - kKinds.begin()) & 1) != 0;
+}
+
+void vcalTextCheck(Table<Calendar>& table) {
+    trapped({u"Allgemein", u"vcalTextCheck"}, [&table] {
+        if (table[cal::Text].size() > lengthOnPhone(table)) {
+            const Text cut = textOnPhone(table);
+            table.set(cal::Text, cut);
+            table.set(cal::Description, cut);
+        }
+    });
+}
+
+Text textOnPhone(Rows table) {
+    std::size_t length = lengthOnPhone(table);
+    const TextView text = table[cal::Text];
+    // A character of two code units is not torn: half of it could not be sent.
+    if (length < text.size() && (text[length] & 0xFC00U) == 0xDC00U) {
+        --length;
+    }
+    return Text(text.substr(0, length));
+}
+
+} // namespace tandolin

@@ -1,0 +1,42 @@
+#pragma once
+
+#include "store/tables.h"
+
+namespace tandolin {
+
+// The rules by which a row just read and a row of the main table are one entry. Pure: they look at
+// the current rows of the two tables and change nothing.
+
+/// 41 for a number that begins with "+", else 40: the characters of a phone number on the phone.
+std::int16_t Phonecall_Len(TextView text);
+
+/// Characters of any other text that the phone holds.
+inline constexpr std::size_t kPhoneTextLength = 32;
+
+/// May the kinds meet? An organizer row is a meeting or nothing in particular, so the phone's
+/// memos, anniversaries and calls meet the latter.
+bool kindsAgree(const Table<Calendar>& main, const Table<Calendar>& candidate);
+
+/// Do the texts agree as far as the phone holds them?
+bool textsAgree(const Table<Calendar>& main, const Table<Calendar>& candidate);
+
+/// May the two be merged at all: rows of different origin may, all others only with one identity.
+bool vcalCheckbeforecompare(const Table<Calendar>& main, const Table<Calendar>& candidate);
+
+/// All rules in their order; the first that fails decides.
+bool sameEntry(const Table<Calendar>& main, const Table<Calendar>& candidate);
+
+/// In words, why the two are not one entry: the first rule that fails, empty when they are one.
+TextView firstFailedRule(const Table<Calendar>& main, const Table<Calendar>& candidate);
+
+/// Is the row's kind selected by the mask: 1 memo, 2 meeting, 4 anniversary, 8 phone call, 32 all.
+bool EntryTypeCheck(std::int16_t SyncTermine, const Table<Calendar>& table);
+
+/// Cuts `Text` of the current row to what the phone holds; `Description` follows a text that was
+/// cut and keeps its value beside one that fits.
+void vcalTextCheck(Table<Calendar>& table);
+
+/// What `vcalTextCheck` would leave of the current row's text.
+Text textOnPhone(const Table<Calendar>& table);
+
+} // namespace tandolin

@@ -1,0 +1,96 @@
+#include "phone/phone_status.h"
+
+#include "core/trap.h"
+#include "support/fresh_program.h"
+
+#include <doctest/doctest.h>
+
+#include <array>
+
+using namespace tandolin;
+using namespace tandolin::testing;
+
+namespace {
+
+struct PaneScreen : ScriptedScreen {
+    std::map<Pane, Text> panes;
+
+    void pane(Pane pane, TextView text) override { panes[pane] = text; }
+};
+
+} // namespace
+
+TEST_CASE("SetStatusBarMobile: the three display states of each side") {
+    struct Case {
+        const char* name;
+        bool connected, contacts, calendarRead, contactsRead;
+        Text mobile, status, counter;
+    };
+
+    const Text none = u" Kein Mobile";
+    const Text phone = u" EXAMPLE X1";
+    for (const Case& c : std::to_array<Case>({
+             {"nothing known", false, false, false, false, none, u" nicht verbunden",
+              u" Mobileeinträge belegt: ?"},
+             {"lost after a read", false, true, true, true, none, u" nicht verbunden",
+              u" Mobileeinträge belegt: ?"},
+             {"calendar's capacity", true, false, false, true, phone, u" verbunden",
+              u" Mobileeinträge belegt: ?/90"},
+             {"contacts' capacity", true, true, true, false, phone, u" verbunden",
+              u" Mobileeinträge belegt: ?/50"},
+             {"calendar", true, false, true, false, phone, u" verbunden",
+              u" Mobileeinträge belegt: 12/90"},
+             {"contacts", true, true, false, true, phone, u" verbunden",
+              u" Mobileeinträge belegt: 3/50"},
+         })) {
+        CAPTURE(c.name);
+        const FreshProgram program;
+        PaneScreen screen;
+        app.ports.screen.window = &screen;
+        app.core.GlobalSilentMode = kFalse;
+        app.phone.MobileConnected = flagOf(c.connected);
+        app.phone.MobileManufacturer = u"EXAMPLE";
+        app.phone.MobileModel = u"X1";
+        app.phone.vCalRead = flagOf(c.calendarRead);
+        app.phone.vCalEntryCount = 12;
+        app.phone.vCalMaxEntries = 90;
+        app.phone.vCardRead = flagOf(c.contactsRead);
+        app.phone.vCardEntryCount = 3;
+        app.phone.vCardMaxEntries = 50;
+        SetStatusBarMobile(c.contacts);
+        CHECK(screen.panes[Pane::Mobile] == c.mobile);
+        CHECK(screen.panes[Pane::MobileStatus] == c.status);
+        CHECK(screen.panes[Pane::EntryCounter] == c.counter);
+        CHECK(screen.panes.size() == 3);
+
+        screen.panes.clear();
+        app.core.GlobalSilentMode = kTrue;
+        SetStatusBarMobile(c.contacts);
+        CHECK(screen.panes.empty());
+    }
+}
+
+TEST_CASE("SetStatusBarMobile: a window that fails is reported, never thrown") {
+    struct BrokenScreen : ScriptedScreen {
+        void pane(Pane, TextView) override { throw Failure(failure_number::kInternal, u"gone"); }
+    };
+
+    const FreshProgram program;
+    BrokenScreen screen;
+    static Text reportedBy;
+    app.ports.screen = {&screen, &screen, &screen};
+    app.core.GlobalSilentMode = kFalse;
+    app.core.programErrorHook = [](const Failure&, TextView, Place place) {
+        reportedBy = place.proc;
+    };
+    CHECK_FALSE(attempt([] { SetStatusBarMobile(false); }));
+    CHECK(reportedBy == u"SetStatusBarMobile");
+}
+
+TEST_CASE("SetStatusBarMobile without a window") {
+    const FreshProgram program;
+    app.core.GlobalSilentMode = kFalse;
+    app.ports.screen.window = nullptr;
+    SetStatusBarMobile(false);
+    CHECK(program.screen.boxesShown.empty());
+}

@@ -1,0 +1,429 @@
+#include "organizer_folder_fixture.h"
+
+#include "platform/organizer_folder/content_lines.h"
+
+#include <doctest/doctest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <functional>
+
+using namespace tandolin;
+using namespace tandolin::testing;
+
+namespace {
+
+namespace fs = std::filesystem;
+
+using Starts = std::vector<std::string>;
+
+const Date kFrom = at(2027, 1, 1);
+const Date kTo = at(2027, 12, 31);
+
+std::string single(const std::string& uid, const std::string& start) {
+    return calendarOf(eventOf("DTSTART:" + start + "\nDURATION:PT1H\nSUMMARY:Text\n", uid));
+}
+
+} // namespace
+
+TEST_CASE("facts of an item") {
+    const OrganizerFolder folder;
+    folder.put("calendar/a.ICS",
+               calendarOf(eventOf("CREATED:20260630T220000Z\nDTSTART:20270302T090000Z\n"
+                                  "DTEND:20270302T100000Z\nSUMMARY:Gr\xC3\xB6\xC3\x9F"
+                                  "e\\; \\\\ a\\,b\\nzwei\nATTENDEE:mailto:x@example.org\n"
+                                  "BEGIN:VALARM\nACTION:AUDIO\nTRIGGER:-PT15M\nEND:VALARM\n")));
+    folder.put("calendar/b.ics", calendarOf("BEGIN:VEVENT\nDTSTART;VALUE=DATE:20270303\n"
+                                            "SUMMARY:Gr\xF6\xDF"
+                                            "e\nSTATUS:CANCELLED\nEND:VEVENT\n"));
+    auto organizer = folder.open();
+    CHECK(organizer.Version() == u"9.0");
+    CalendarFolder& calendar = organizer.GetDefaultCalendarFolder();
+    const AppointmentFacts* facts = calendar.Find({kFrom, kTo});
+    REQUIRE(facts != nullptr);
+    CHECK(facts->EntryID == u"u1");
+    CHECK(facts->Subject == u"Größe; \\ a,b\nzwei");
+    CHECK(facts->CreationTime == at(2026, 7, 1));
+    CHECK(facts->MeetingStatus == 1);
+    CHECK(facts->ReminderSet);
+    CHECK_FALSE(facts->AllDayEvent);
+    CHECK_FALSE(facts->IsRecurring);
+    CHECK(facts->File == u"calendar/a.ICS");
+    facts = calendar.FindNext();
+    REQUIRE(facts != nullptr);
+    // Without a UID the file names the item; bytes that are no UTF-8 are Windows-1252.
+    CHECK(facts->EntryID == u"b.ics");
+    CHECK(facts->Subject == u"Größe");
+    CHECK(facts->AllDayEvent);
+    CHECK(facts->MeetingStatus == 0);
+    CHECK_FALSE(facts->ReminderSet);
+    CHECK(calendar.FindNext() == nullptr);
+    CHECK(calendar.FindNext() == nullptr);
+}
+
+TEST_CASE("files that do not read are named, left alone, and hide nothing else") {
+    struct Case {
+        const char* name;
+        std::string bytes;
+        const char* reason;
+    };
+
+    const std::string start = "DTSTART:20270302T090000Z\n";
+    for (const Case& c : std::vector<Case>{
+             {"empty", "", "the file is empty"},
+             {"garbage", "\x01\x02garbage", "the file holds no calendar"},
+             {"truncated", calendarOf(eventOf(start)).substr(0, 120),
+              "the file ends within a component"},
+             {"crossed ends", calendarOf("BEGIN:VEVENT\nEND:VTODO\n"),
+              "an END line meets no BEGIN line"},
+             {"no start", calendarOf(eventOf("SUMMARY:x\n")), "an event has no DTSTART"},
+             {"32 January", calendarOf(eventOf("DTSTART:20270132T090000\n")),
+              "DTSTART \"20270132T090000\" does not read"},
+             {"bad rule", calendarOf(eventOf(start + "RRULE:FREQ=SOMETIMES\n")),
+              "the rule \"FREQ=SOMETIMES\" does not read"},
+             {"bad end", calendarOf(eventOf(start + "DTEND:tomorrow\n")),
+              "DTEND \"tomorrow\" does not read"},
+             {"bad length", calendarOf(eventOf(start + "DURATION:P1D5H\n")),
+              "DURATION \"P1D5H\" does not read"},
+             {"two masters", calendarOf(eventOf(start) + eventOf(start)),
+              "two events have the UID u1"},
+             {"version 1.0", "BEGIN:VCALENDAR\r\nVERSION:1.0\r\nEND:VCALENDAR\r\n",
+              "it is a vCalendar 1.0 object, not an iCalendar file"},
+             {"same UID as another file", single("good", "20270305T090000Z"),
+              "it has the same UID as calendar/a good one.ics"},
+         }) {
+        CAPTURE(c.name);
+        const OrganizerFolder folder;
+        folder.put("calendar/bad.ics", c.bytes);
+        folder.put("calendar/a good one.ics", single("good", "20270302T090000Z"));
+        folder.put("calendar/task.ics", calendarOf("BEGIN:VTODO\nUID:t\nEND:VTODO\n"));
+        auto organizer = folder.open();
+        CalendarFolder& calendar = organizer.GetDefaultCalendarFolder();
+        CHECK(startsWithin(calendar, kFrom, kTo) == Starts{"2027-03-02 10:00"});
+        const auto unreadable = organizer.unreadable();
+        REQUIRE(unreadable.size() == 1);
+        CHECK(unreadable[0].File == u"calendar/bad.ics");
+        CHECK(toUtf8(unreadable[0].Reason) == c.reason);
+        CHECK(folder.bytesOf("calendar/bad.ics") == c.bytes);
+    }
+}
+
+TEST_CASE("a file over 16 MiB is not read") {
+    const OrganizerFolder folder;
+    folder.put("calendar/big.ics", "");
+    fs::resize_file(folder.root / "calendar/big.ics", (16U << 20U) + 1);
+    auto organizer = folder.open();
+    CHECK(startsWithin(organizer.GetDefaultCalendarFolder(), kFrom, kTo).empty());
+    REQUIRE(organizer.unreadable().size() == 1);
+    CHECK(organizer.unreadable()[0].Reason == u"it is larger than 16 MiB");
+}
+
+TEST_CASE("names that are no calendar files") {
+    const OrganizerFolder folder;
+    const OrganizerFolder outside;
+    outside.put("secret.ics", single("secret", "20270302T090000Z"));
+    folder.put("inside.bin", single("inside", "20270303T090000Z"));
+    folder.put("calendar/.hidden.ics", single("a", "20270302T090000Z"));
+    folder.put("calendar/old.ics~", single("b", "20270302T090000Z"));
+    folder.put("calendar/note.txt", single("c", "20270302T090000Z"));
+    fs::create_directory(folder.root / "calendar/folder.ics");
+    fs::create_symlink(outside.root / "secret.ics", folder.root / "calendar/link.ics");
+    fs::create_symlink("/dev/zero", folder.root / "calendar/device.ics");
+    fs::create_symlink("nowhere", folder.root / "calendar/dangling.ics");
+    fs::create_symlink("../inside.bin", folder.root / "calendar/good.ics");
+    REQUIRE(::mkfifo((folder.root / "calendar/pipe.ics").c_str(), 0600) == 0);
+    auto organizer = folder.open();
+    CalendarFolder& calendar = organizer.GetDefaultCalendarFolder();
+    CHECK(startsWithin(calendar, kFrom, kTo) == Starts{"2027-03-03 10:00"});
+    CHECK(organizer.unreadable().empty());
+    // A link stays a link when its item is saved.
+    const auto item = calendar.GetItemFromID(u"inside");
+    item->setSubject(u"Neu");
+    item->Save();
+    CHECK(fs::is_symlink(folder.root / "calendar/good.ics"));
+    CHECK(folder.bytesOf("inside.bin").find("SUMMARY:Neu") != std::string::npos);
+}
+
+TEST_CASE("what the system will not give fails the call and names the file") {
+    OrganizerFolder folder;
+    folder.put("calendar/a.ics", single("a", "20270302T090000Z"));
+    auto organizer = folder.open();
+    CalendarFolder& calendar = organizer.GetDefaultCalendarFolder();
+    fs::permissions(folder.root, fs::perms{0755});
+    fs::permissions(folder.root / "calendar", fs::perms{0755});
+    fs::permissions(folder.root / "calendar/a.ics", fs::perms::none);
+    // Root may read everything; the look of another user is what is tested.
+    const bool root = ::geteuid() == 0;
+    REQUIRE((!root || ::seteuid(65534) == 0));
+    Failure caught;
+    try {
+        calendar.Find({kFrom, kTo});
+    } catch (const Failure& failure) {
+        caught = failure;
+    }
+    REQUIRE((!root || ::seteuid(0) == 0));
+    CHECK(caught.Number == failure_number::kOrganizer);
+    CHECK(caught.File == u"calendar/a.ics");
+    CHECK(toUtf8(caught.Description).find("Permission denied") != std::string::npos);
+    // The next read starts over.
+    fs::permissions(folder.root / "calendar/a.ics", fs::perms::owner_all);
+    CHECK(startsWithin(calendar, kFrom, kTo) == Starts{"2027-03-02 10:00"});
+}
+
+TEST_CASE("a missing calendar folder") {
+    const OrganizerFolder folder;
+    fs::remove(folder.root / "calendar");
+    auto organizer = folder.open();
+    Failure caught;
+    try {
+        organizer.GetDefaultCalendarFolder();
+    } catch (const Failure& failure) {
+        caught = failure;
+    }
+    CHECK(caught.Number == failure_number::kOrganizer);
+    CHECK(toUtf8(caught.Description).find((folder.root / "calendar").string() + ": No such file") !=
+          std::string::npos);
+    folder.put("calendar", "a file");
+    CHECK(failureOf([&] { organizer.GetDefaultCalendarFolder(); }) == failure_number::kOrganizer);
+}
+
+TEST_CASE("small ranges after a big one agree with it") {
+    const OrganizerFolder folder;
+    folder.put("calendar/a.ics", single("a", "20270302T090000Z"));
+    folder.put("calendar/b.ics", single("b", "20270302T090000Z"));
+    folder.put("calendar/c.ics", calendarOf(eventOf("DTSTART;TZID=Europe/Berlin:20270301T024500\n"
+                                                    "RRULE:FREQ=DAILY\n",
+                                                    "c")));
+    folder.put("calendar/d.ics", calendarOf(eventOf("DTSTART;TZID=America/New_York:"
+                                                    "20270301T200000\nRRULE:FREQ=WEEKLY\n",
+                                                    "d")));
+    folder.put("calendar/e.ics", calendarOf(eventOf("DTSTART;VALUE=DATE:20270301\n"
+                                                    "RRULE:FREQ=MONTHLY;BYMONTHDAY=1,15\n",
+                                                    "e")));
+    folder.put("calendar/f.ics", calendarOf(eventOf("DTSTART:20270301T000000Z\n"
+                                                    "RRULE:FREQ=HOURLY;INTERVAL=7\n",
+                                                    "f")));
+    auto organizer = folder.open();
+    CalendarFolder& calendar = organizer.GetDefaultCalendarFolder();
+
+    struct Found {
+        Date start;
+        Text id;
+
+        bool operator==(const Found&) const = default;
+    };
+
+    const auto found = [&](Date from, Date to) {
+        std::vector<Found> all;
+        for (const auto* facts = calendar.Find({from, to}); facts != nullptr;
+             facts = calendar.FindNext()) {
+            all.push_back({facts->Start, facts->EntryID});
+        }
+        return all;
+    };
+    const Date from = at(2027, 2, 28), to = at(2027, 4, 30);
+    const std::vector<Found> all = found(from, to);
+    CHECK(all.size() > 200);
+    CHECK(std::ranges::is_sorted(all, [](const Found& a, const Found& b) {
+        return a.start != b.start ? a.start < b.start : a.id < b.id;
+    }));
+    // Every range of each of these lengths, laid end to end, finds the same.
+    for (const std::int64_t seconds : {60, 3600, 5400, 50'000, 86'400, 200'000}) {
+        CAPTURE(seconds);
+        std::vector<Found> pieces;
+        for (std::int64_t at = from.seconds(); at <= to.seconds(); at += seconds) {
+            const auto piece = found(dateFromSeconds(at),
+                                     dateFromSeconds(std::min(at + seconds - 1, to.seconds())));
+            pieces.insert(pieces.end(), piece.begin(), piece.end());
+        }
+        CHECK(pieces == all);
+    }
+    CHECK(found(at(2027, 3, 2, 10), at(2027, 3, 2, 10)).size() == 2);
+    CHECK(found(to, from).empty());
+}
+
+TEST_CASE("a series is told once where the caller wants it once") {
+    const OrganizerFolder folder;
+    folder.put("calendar/a.ics", calendarOf(eventOf("DTSTART:20270301T090000\nRRULE:FREQ=DAILY\n"
+                                                    "RDATE:20270303T170000\n")));
+    folder.put("calendar/b.ics", single("b", "20270305T090000Z"));
+    auto organizer = folder.open();
+    CalendarFolder& calendar = organizer.GetDefaultCalendarFolder();
+    REQUIRE(calendar.Find({at(2027, 3, 2), kTo})->Start == at(2027, 3, 2, 9));
+    calendar.SkipOccurrences();
+    const AppointmentFacts* next = calendar.FindNext();
+    REQUIRE(next != nullptr);
+    CHECK(next->EntryID == u"b");
+    calendar.SkipOccurrences();
+    CHECK(calendar.FindNext() == nullptr);
+}
+
+TEST_CASE("created, changed and removed items are found without a new read") {
+    for (const bool dry : {false, true}) {
+        CAPTURE(dry);
+        OrganizerFolder folder;
+        folder.dryRun = dry;
+        folder.put("calendar/a.ics", single("a", "20270302T090000Z"));
+        const std::string before = folder.bytesOf("calendar/a.ics");
+        auto organizer = folder.open();
+        CalendarFolder& calendar = organizer.GetDefaultCalendarFolder();
+        CHECK(startsWithin(calendar, kFrom, kTo).size() == 1);
+        const auto item = calendar.CreateItem();
+        item->setSubject(u"Neu");
+        item->setStart(at(2027, 3, 5, 12, 0));
+        item->Save();
+        CHECK(item->facts().CreationTime == folder.clock.moment);
+        CHECK(calendar.GetItemFromID(item->facts().EntryID)->facts().Subject == u"Neu");
+        CHECK(startsWithin(calendar, kFrom, kTo) == Starts{"2027-03-02 10:00", "2027-03-05 12:00"});
+        item->setStart(at(2027, 3, 6, 12, 0));
+        item->Save();
+        const auto old = calendar.GetItemFromID(u"a");
+        old->setSubject(u"Anders");
+        old->Save();
+        CHECK(calendar.GetItemFromID(u"a")->facts().Subject == u"Anders");
+        CHECK(startsWithin(calendar, kFrom, kTo) == Starts{"2027-03-02 10:00", "2027-03-06 12:00"});
+        old->Delete();
+        old->Delete();
+        CHECK(startsWithin(organizer.GetDefaultCalendarFolder(), kFrom, kTo) ==
+              Starts{"2027-03-06 12:00"});
+        CHECK(failureOf([&] { calendar.GetItemFromID(u"a"); }) == failure_number::kNoItem);
+        CHECK(failureOf([&] { organizer.flush(); }) == 0);
+        if (dry) {
+            CHECK(folder.files() == Starts{"a.ics"});
+            CHECK(folder.bytesOf("calendar/a.ics") == before);
+        } else {
+            CHECK(folder.files() == Starts{toUtf8(item->facts().EntryID) + ".ics"});
+        }
+    }
+}
+
+TEST_CASE("what another program does meanwhile is kept") {
+    const OrganizerFolder folder;
+    folder.put("calendar/a.ics", single("a", "20270302T090000Z"));
+    auto organizer = folder.open();
+    CalendarFolder& calendar = organizer.GetDefaultCalendarFolder();
+    const auto item = calendar.GetItemFromID(u"a");
+    item->setSubject(u"Neu");
+    folder.put("calendar/a.ics",
+               calendarOf(eventOf("DTSTART:20270309T090000Z\nSUMMARY:Text\nLOCATION:Ulm\n", "a")));
+    item->Save();
+    const std::string after = folder.bytesOf("calendar/a.ics");
+    CHECK(after.find("SUMMARY:Neu\r\nLOCATION:Ulm\r\n") != std::string::npos);
+    CHECK(after.find("DTSTART:20270309T090000Z") != std::string::npos);
+    CHECK(startsWithin(calendar, kFrom, kTo) == Starts{"2027-03-09 10:00"});
+
+    folder.put("calendar/new.ics", single("new", "20270401T090000Z"));
+    CHECK(startsWithin(calendar, kFrom, kTo) == Starts{"2027-03-09 10:00", "2027-04-01 11:00"});
+    item->setSubject(u"Noch einmal");
+    fs::remove(folder.root / "calendar/a.ics");
+    CHECK(failureOf([&] { item->Save(); }) == failure_number::kNoItem);
+    CHECK(folder.files() == Starts{"new.ics"});
+    CHECK(startsWithin(calendar, kFrom, kTo) == Starts{"2027-04-01 11:00"});
+}
+
+TEST_CASE("a file with several items loses only the one that is removed") {
+    const OrganizerFolder folder;
+    const std::string task = "BEGIN:VTODO\nUID:t\nX-KEEP:a\\,b\nEND:VTODO\n";
+    folder.put("calendar/a.ics", calendarOf(eventOf("DTSTART:20270301T090000\n", "a") + task +
+                                            eventOf("DTSTART:20270302T090000\n", "b")));
+    auto organizer = folder.open();
+    CalendarFolder& calendar = organizer.GetDefaultCalendarFolder();
+    calendar.GetItemFromID(u"b")->Delete();
+    CHECK(folder.bytesOf("calendar/a.ics") ==
+          calendarOf(eventOf("DTSTART:20270301T090000\n", "a") + task));
+    calendar.GetItemFromID(u"a")->Delete();
+    CHECK(folder.bytesOf("calendar/a.ics") == calendarOf(task));
+}
+
+TEST_CASE("modes of new and of changed files") {
+    const OrganizerFolder folder;
+    folder.put("calendar/a.ics", single("a", "20270302T090000Z"));
+    fs::permissions(folder.root / "calendar/a.ics", fs::perms{0640});
+    auto organizer = folder.open();
+    CalendarFolder& calendar = organizer.GetDefaultCalendarFolder();
+    const auto changed = calendar.GetItemFromID(u"a");
+    changed->setSubject(u"Neu");
+    changed->Save();
+    CHECK(fs::status(folder.root / "calendar/a.ics").permissions() == fs::perms{0640});
+    const auto fresh = calendar.CreateItem();
+    fresh->Save();
+    const mode_t mask = ::umask(0);
+    ::umask(mask);
+    CHECK(fs::status(folder.root / "calendar" / (toUtf8(fresh->facts().EntryID) + ".ics"))
+              .permissions() == fs::perms{0644U & ~mask});
+}
+
+TEST_CASE("contact folders") {
+    const OrganizerFolder folder;
+    auto organizer = folder.open();
+    CHECK(organizer.Folders().empty());
+    CHECK(failureOf([&] { organizer.GetDefaultContactFolder(); }) == failure_number::kOrganizer);
+    fs::create_directories(folder.root / "contacts/Zwei/Unter");
+    fs::create_directories(folder.root / "contacts/eins");
+    fs::create_directories(folder.root / "contacts/.git");
+    fs::create_directory_symlink("/usr", folder.root / "contacts/outside");
+    fs::create_directory_symlink("..", folder.root / "contacts/eins/loop");
+    folder.put("contacts/eins/displayname", "Äußere\n");
+    const auto folders = organizer.Folders();
+    REQUIRE(folders.size() == 2);
+    CHECK(folders[0].Name == u"Zwei");
+    CHECK(folders[0].Parent == fromUtf8(folder.root.filename().string()));
+    CHECK(folders[1].Name == u"Äußere");
+    CHECK(folders[1].EntryID == u"eins");
+    CHECK(folders[1].Folders.empty());
+    REQUIRE(folders[0].Folders.size() == 1);
+    const FolderRecord& below = folders[0].Folders[0];
+    CHECK(below.EntryID == u"Zwei/Unter");
+    CHECK(below.Parent == u"Zwei");
+    CHECK(below.DefaultItemType == 2);
+    CHECK(below.StoreID.size() >= 100);
+    CHECK(organizer.GetDefaultContactFolder().EntryID == u"Zwei");
+    fs::create_directories(folder.root / "contacts/Kontakte");
+    CHECK(organizer.GetDefaultContactFolder().EntryID == u"Kontakte");
+    CHECK(organizer.GetFolderFromID(u"Zwei/Unter", below.StoreID).Name == u"Unter");
+    for (const char16_t* id : {u"../calendar", u"", u"Zwei/../eins", u".git", u"outside"}) {
+        CHECK(failureOf([&] { organizer.GetFolderFromID(id, below.StoreID); }) ==
+              failure_number::kOrganizer);
+    }
+    CHECK(failureOf([&] { organizer.GetFolderFromID(u"eins", u"other"); }) ==
+          failure_number::kOrganizer);
+    CHECK(platform::storeIdOf(folder.root / "calendar/../") == below.StoreID);
+}
+
+TEST_CASE("files of real programs") {
+    const fs::path samples = fs::path(TANDOLIN_SAMPLES) / "ics";
+    if (!fs::exists(samples)) {
+        MESSAGE("no samples on this machine: not run");
+        return;
+    }
+    const OrganizerFolder folder;
+    std::size_t count = 0;
+    for (const auto& entry : fs::directory_iterator(samples)) {
+        fs::copy(entry.path(), folder.root / "calendar");
+        std::ifstream file(entry.path(), std::ios::binary);
+        const std::string bytes{std::istreambuf_iterator<char>(file), {}};
+        CAPTURE(entry.path().filename().string());
+        CHECK(ical::ContentLines(bytes).bytes() == bytes);
+        ++count;
+    }
+    auto organizer = folder.open();
+    CalendarFolder& calendar = organizer.GetDefaultCalendarFolder();
+    std::size_t items = 0;
+    for (const auto* facts = calendar.Find({at(1900, 1, 1), at(2100, 1, 1)}); facts != nullptr;
+         facts = calendar.FindNext()) {
+        CHECK(facts->End >= facts->Start);
+        calendar.SkipOccurrences();
+        ++items;
+    }
+    MESSAGE(count << " files, " << items << " items, " << organizer.unreadable().size()
+                  << " unreadable");
+    CHECK(items > 50);
+    CHECK(organizer.unreadable().size() < count / 2);
+    for (const auto& entry : fs::directory_iterator(samples)) {
+        const fs::path copy = folder.root / "calendar" / entry.path().filename();
+        std::ifstream file(entry.path(), std::ios::binary);
+        CHECK(folder.bytesOf("calendar/" + copy.filename().string()) ==
+              std::string{std::istreambuf_iterator<char>(file), {}});
+    }
+}
