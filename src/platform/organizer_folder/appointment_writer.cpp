@@ -48,6 +48,9 @@ public:
         }
         if (changed_) {
             stampChange();
+            // A property that meant nothing to a single entry may not read in a series: then the
+            // file stays as it is.
+            static_cast<void>(readItems(lines_, context_.zones, context_.fileName, 0));
         }
         return changed_;
     }

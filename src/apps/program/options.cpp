@@ -1,0 +1,186 @@
+#include "apps/program/options.h"
+
+#include "apps/exit_status.h"
+
+#include <CLI/CLI.hpp>
+
+#include <algorithm>
+#include <array>
+#include <cctype>
+#include <functional>
+
+namespace tandolin::program {
+
+namespace {
+
+constexpr const char* kVersion = "halverntandolin 0.1.0";
+
+constexpr const char* kFooter = R"(Words (any case, any place):
+  VCAL          one AutoSync of the calendar
+  NOORG         run without the organizer
+  D             show every object that is sent or received
+  DEBUG         write the trace TDLDebug.txt into the home directory
+  CALLER=x TIMER=n KILL
+
+Example:
+  halverntandolin --phone dir:PHONE --organizer folder:ORG VCAL
+
+Exit status: 0 done; 1 done, but something stayed behind or failed; 2 usage; 3 phone, 4 organizer
+not reached or not read (nothing was written); 5 stopped; 6 another instance is active; 7 the start
+failed.)";
+
+/// Options that come with a later version; each is refused with one sentence, nothing is touched.
+constexpr std::array kNotBuilt{"--restore",    "--list-backups", "--list-folders",
+                               "--list-ports", "--test-phone",   "--contact-folder"};
+
+std::string lower(std::string text) {
+    std::ranges::transform(text, text.begin(),
+                           [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+    return text;
+}
+
+bool isOption(const std::string& argument) {
+    return argument.starts_with("--");
+}
+
+Parsed usage(std::string text) {
+    Parsed parsed;
+    parsed.exit = static_cast<int>(ExitStatus::usage);
+    parsed.text = std::move(text);
+    return parsed;
+}
+
+/// Moves the files behind --inspect out of the way of the option parser.
+std::vector<std::string> takeFiles(const std::vector<std::string>& arguments, Options& options) {
+    std::vector<std::string> rest;
+    for (const std::string& argument : arguments) {
+        if (options.inspect && !isOption(argument)) {
+            options.files.push_back(argument);
+            continue;
+        }
+        options.inspect = options.inspect || lower(argument) == "--inspect";
+        if (lower(argument) != "--inspect") {
+            rest.push_back(argument);
+        }
+    }
+    return rest;
+}
+
+void define(CLI::App& cli, Options& options, std::vector<std::string>& sets, std::string& limit) {
+    cli.set_help_flag("--help", "show this help");
+    cli.set_version_flag("--version", kVersion);
+    cli.footer(kFooter);
+    cli.add_option("--phone", options.phone, "the phone: dir:PATH");
+    cli.add_option("--organizer", options.organizer,
+                   "the organizer: folder:PATH[?calendar=DIR&contacts=DIR] or none");
+    cli.add_option("--settings", options.settingsFile, "the user's settings file");
+    cli.add_option("--home", options.home, "directory of log, trace and language files");
+    cli.add_option("--set", sets, "NAME=VALUE stands over one setting for this run")
+        ->allow_extra_args(false);
+    cli.add_flag("--dry-run", options.dryRun, "show what a run would do; write nothing");
+    cli.add_flag("--json", options.json, "one JSON document instead of the summary");
+    cli.add_flag("--inspect", options.inspect,
+                 "FILE... : read files as phone objects and print their fields");
+    cli.add_flag("--emit", options.emit, "with --inspect: print the object as it would be sent");
+    cli.add_flag("--accept-empty-phone", options.acceptEmptyPhone,
+                 "a phone without entries is a phone, not a failure");
+    cli.add_option("--answer", options.answer, "answer to questions: yes, no or cancel")
+        ->check(CLI::IsMember({"yes", "no", "cancel"}, CLI::ignore_case));
+    cli.add_flag("--no-backup", options.noBackup, "no copies before the first write");
+    cli.add_option("--max-remove", limit,
+                   "stop before the first write when more than N (or all) would be removed");
+    cli.add_flag("--quiet", options.quiet, "failures only");
+    cli.add_flag("--verbose", options.verbose, "also say why entries did not pair");
+    cli.add_option("WORDS", options.words, "what to do, see below");
+    for (CLI::Option* option : cli.get_options()) {
+        if (option->nonpositional()) {
+            option->ignore_case();
+        }
+    }
+}
+
+std::optional<std::string> takeSets(const std::vector<std::string>& sets, Options& options) {
+    for (const std::string& set : sets) {
+        const auto equals = set.find('=');
+        if (equals == std::string::npos) {
+            return "--set " + set + ": NAME=VALUE is needed";
+        }
+        options.settings.emplace_back(set.substr(0, equals), set.substr(equals + 1));
+    }
+    return std::nullopt;
+}
+
+std::optional<std::string> takeLimit(const std::string& limit, Options& options) {
+    if (limit.empty() || lower(limit) == "all") {
+        return std::nullopt;
+    }
+    const bool digits = std::ranges::all_of(limit, [](unsigned char c) { return std::isdigit(c); });
+    if (!digits || limit.size() > 9) {
+        return "--max-remove " + limit + ": a number or \"all\" is needed";
+    }
+    options.maxRemove = std::stoll(limit);
+    return std::nullopt;
+}
+
+std::optional<std::string> namesNotBuilt(const std::vector<std::string>& arguments) {
+    for (const std::string& argument : arguments) {
+        const std::string name = lower(argument.substr(0, argument.find('=')));
+        if (std::ranges::find(kNotBuilt, name) != kNotBuilt.end()) {
+            return name + " is not available in this version; nothing was read or written";
+        }
+    }
+    return std::nullopt;
+}
+
+} // namespace
+
+std::string helpText() {
+    CLI::App cli{"Keeps the calendar of a mobile phone in step with an organizer.",
+                 "halverntandolin"};
+    Options options;
+    std::vector<std::string> sets;
+    std::string limit;
+    define(cli, options, sets, limit);
+    return cli.help();
+}
+
+Parsed parseOptions(const std::vector<std::string>& arguments) {
+    Parsed parsed;
+    std::vector<std::string> rest = takeFiles(arguments, parsed.options);
+    if (const auto refused = namesNotBuilt(rest)) {
+        return usage(*refused);
+    }
+    CLI::App cli{"Keeps the calendar of a mobile phone in step with an organizer.",
+                 "halverntandolin"};
+    std::vector<std::string> sets;
+    std::string limit;
+    define(cli, parsed.options, sets, limit);
+    try {
+        std::ranges::reverse(rest); // the order that the parser takes
+        cli.parse(std::move(rest));
+    } catch (const CLI::CallForHelp&) {
+        parsed.exit = 0;
+        parsed.text = cli.help();
+        parsed.textIsHelp = true;
+        return parsed;
+    } catch (const CLI::CallForVersion&) {
+        parsed.exit = 0;
+        parsed.text = std::string(kVersion) + "\n";
+        parsed.textIsHelp = true;
+        return parsed;
+    } catch (const CLI::ParseError& error) {
+        return usage(error.what());
+    }
+    parsed.options.answer = lower(parsed.options.answer);
+    for (const auto& problem : {takeSets(sets, parsed.options), takeLimit(limit, parsed.options)}) {
+        if (problem) {
+            return usage(*problem);
+        }
+    }
+    if (parsed.options.inspect && parsed.options.files.empty()) {
+        return usage("--inspect needs at least one file");
+    }
+    return parsed;
+}
+
+} // namespace tandolin::program

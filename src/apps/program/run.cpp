@@ -1,0 +1,282 @@
+#include "apps/program/run.h"
+
+#include "apps/command_line.h"
+#include "apps/program/inspect.h"
+#include "apps/program/report.h"
+#include "apps/program/stores.h"
+#include "apps/start_up.h"
+#include "core/state.h"
+#include "core/trap.h"
+#include "log/log_model.h"
+#include "platform/language_mo/mo_languages.h"
+#include "platform/screen_terminal/terminal_screen.h"
+#include "platform/settings_toml/toml_settings.h"
+#include "platform/system_posix/home_directory.h"
+#include "platform/system_posix/lock_file.h"
+#include "platform/system_posix/posix_locale.h"
+#include "platform/system_posix/system_clock.h"
+#include "store/tables.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdlib>
+#include <filesystem>
+#include <ostream>
+
+namespace tandolin::program {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr const char* kMachineSettings = "/etc/halverntandolin/settings.toml";
+
+/// A directory of the user by the base directory rules: the variable, else below the home.
+fs::path userDirectory(const char* variable, const char* below) {
+    const char* named = std::getenv(variable);
+    if (named != nullptr && *named == '/') {
+        return fs::path(named) / "halverntandolin";
+    }
+    const char* home = std::getenv("HOME");
+    return fs::path(home != nullptr && *home != '\0' ? home : "/") / below / "halverntandolin";
+}
+
+/// Language files of the installation, or of the build that the program lies in.
+std::vector<fs::path> languageDirectories() {
+    std::error_code error;
+    const fs::path bin = fs::read_symlink("/proc/self/exe", error).parent_path();
+    return {bin.parent_path() / "share/halverntandolin/Lng", bin.parent_path() / "Lng",
+            "/usr/share/halverntandolin/Lng"};
+}
+
+/// The listener of the logic is a plain function, so what it fills is one value of the process.
+struct Listening {
+    std::vector<ReportedFailure> failures;
+    std::ostream* errors = nullptr;
+};
+
+Listening listening;
+
+void noteFailure(const Failure& failure, TextView message, Place place) {
+    listening.failures.push_back({decimal(failure.Number), failureOnOneLine(failure, message),
+                                  Text(place.module), Text(place.proc), failure.File,
+                                  failure.Line});
+    app.ports.screen.status->close();
+    *listening.errors << failureLine(listening.failures.back()) << '\n' << std::flush;
+}
+
+void noteExplanation(TextView line) {
+    *listening.errors << toUtf8(line) << '\n';
+}
+
+std::string joined(const std::vector<std::string>& words) {
+    std::string line;
+    for (const std::string& word : words) {
+        line += word + " ";
+    }
+    return line;
+}
+
+bool hasWord(const std::vector<std::string>& words, TextView word) {
+    return std::ranges::any_of(
+        words, [word](const std::string& w) { return sameText(fromUtf8(w), word); });
+}
+
+/// Words of a later version, and starts that need a window.
+std::optional<int> endsAtOnce(const Options& options, std::ostream& errors) {
+    if (hasWord(options.words, u"KILL")) {
+        return 0; // an unattended run is never ended from outside, and there is no window yet
+    }
+    for (const TextView word : {u"BOTH", u"VCARD", u"OPTIONS"}) {
+        if (hasWord(options.words, word)) {
+            errors << toUtf8(word)
+                   << " is not available in this version; nothing was read or written\n";
+            return 2;
+        }
+    }
+    if (!hasWord(options.words, u"VCAL")) {
+        errors << "There is no window in this version: give a word, such as VCAL.\n\n"
+               << helpText();
+        return 2;
+    }
+    return std::nullopt;
+}
+
+/// The adapters of one run, as long as it lasts.
+class Wiring {
+public:
+    Wiring(const Options& options, std::ostream& errors)
+        : options_(options),
+          settings_(options.settingsFile
+                        ? fs::path(*options.settingsFile)
+                        : userDirectory("XDG_CONFIG_HOME", ".config") / "settings.toml",
+                    kMachineSettings,
+                    options.dryRun ? platform::TomlSettings::Mode::readOnly
+                                   : platform::TomlSettings::Mode::readWrite),
+          screen_(errors,
+                  options.quiet     ? platform::Chatter::quiet
+                  : options.verbose ? platform::Chatter::verbose
+                                    : platform::Chatter::normal,
+                  options.answer),
+          languages_(languageDirectories()),
+          lock_(userDirectory("XDG_STATE_HOME", ".local/state")) {
+        app = {};
+        tables.clearAll();
+        app.ports.settings = &settings_;
+        app.ports.languages = &languages_;
+        app.ports.screen = {&screen_, &screen_, &screen_};
+        app.ports.clock = &clock_;
+        app.ports.locale = &locale_;
+        app.ports.instance = &lock_;
+        app.ports.files = &files_;
+        app.core.GlobalSilentMode = kTrue;
+        app.core.applicationTitle = tr(ids::kProgramTitle);
+        app.core.failureListener = noteFailure;
+        app.core.explain = options.verbose ? noteExplanation : nullptr;
+        app.run.dryRun = options.dryRun;
+        app.run.maxRemove = options.maxRemove;
+        app.phone.acceptEmptyPhone = options.acceptEmptyPhone;
+        listening = {{}, &errors};
+    }
+
+    Wiring(const Wiring&) = delete;
+    Wiring& operator=(const Wiring&) = delete;
+
+    ~Wiring() { app = {}; }
+
+    /// Reads the settings and lets the command line stand over them. False ends the start.
+    bool loadSettings() {
+        return trapped({u"Main_Modul", u"Main"}, false, [this](bool& result) {
+            app.run.startFailed = true;
+            settings_.load();
+            const fs::path home = options_.home ? fs::absolute(*options_.home)
+                                                : userDirectory("XDG_DATA_HOME", ".local/share");
+            const Text homeText = fromUtf8(home.string());
+            settings_.seedFirstStart(clock_.now(), homeText);
+            const bool homeStored =
+                settings_.read(SettingsRoot::user, kSettingsKey, u"HomeDir").has_value();
+            if (options_.home || !homeStored) {
+                settings_.overrideSetting(u"HomeDir", homeText, clock_.now());
+            }
+            app.run.startFailed = false;
+            result = true;
+        });
+    }
+
+    /// What is wrong with a `--set`, if anything.
+    std::optional<Text> applySets() {
+        for (const auto& [name, value] : options_.settings) {
+            if (auto problem =
+                    settings_.overrideSetting(fromUtf8(name), fromUtf8(value), clock_.now())) {
+                return problem;
+            }
+        }
+        return std::nullopt;
+    }
+
+    [[nodiscard]] std::optional<std::string> connection(const std::optional<std::string>& option,
+                                                        TextView key) const {
+        if (option) {
+            return option;
+        }
+        const auto stored = settings_.connection(key);
+        return stored ? std::optional(toUtf8(*stored)) : std::nullopt;
+    }
+
+    [[nodiscard]] const Clock& clock() const { return clock_; }
+
+    void closeScreen() { screen_.close(); }
+
+private:
+    const Options& options_;
+    platform::SystemClock clock_;
+    platform::PosixLocale locale_;
+    platform::TomlSettings settings_;
+    platform::TerminalScreen screen_;
+    platform::MoLanguages languages_;
+    platform::LockFile lock_;
+    platform::HomeDirectory files_;
+};
+
+void connectStores(Stores& stores, const Around& around) {
+    app.ports.makePhoneServer = [make = stores.makePhone, around = around.phone] {
+        auto phone = make();
+        return around ? around(std::move(phone)) : std::move(phone);
+    };
+    app.ports.makeOrganizer = [make = stores.makeOrganizer, around = around.organizer] {
+        auto organizer = make();
+        return around ? around(std::move(organizer)) : std::move(organizer);
+    };
+}
+
+void warnOfUnknownWords(const Options& options, std::ostream& errors) {
+    std::vector<Text> words;
+    std::ranges::transform(options.words, std::back_inserter(words),
+                           [](const std::string& word) { return fromUtf8(word); });
+    for (const Text& word : unknownWords(words)) {
+        errors << "warning: \"" << toUtf8(word) << "\" is no word of this program, ignored\n";
+    }
+}
+
+int report(const Options& options, RunFacts facts, std::ostream& out) {
+    facts.failures = listening.failures;
+    facts.exit = exitStatus();
+    if (options.json) {
+        writeJson(out, facts);
+    } else if (!options.quiet) {
+        writeSummary(out);
+    }
+    out.flush();
+    return static_cast<int>(facts.exit);
+}
+
+int silentRun(const std::string& programPath, const Options& options, std::ostream& out,
+              std::ostream& errors, const Around& around) {
+    Wiring wiring(options, errors);
+    app.core.programPath = fromUtf8(programPath);
+    app.core.commandLine = fromUtf8(joined(options.words));
+    const bool loaded = wiring.loadSettings();
+    if (const auto problem = loaded ? wiring.applySets() : std::nullopt) {
+        errors << "--set " << toUtf8(*problem) << '\n';
+        return 2;
+    }
+    const auto phone = wiring.connection(options.phone, u"phone");
+    const auto organizer = wiring.connection(options.organizer, u"organizer");
+    Stores stores = openStores(phone, organizer, options.dryRun, wiring.clock());
+    if (stores.problem) {
+        errors << *stores.problem << '\n';
+        return 2;
+    }
+    if (options.verbose) {
+        errors << "phone " << phone.value_or("-") << ", organizer " << organizer.value_or("-")
+               << '\n';
+    }
+    if (loaded) {
+        connectStores(stores, around);
+        Main();
+    }
+    wiring.closeScreen();
+    return report(options, {phone.value_or(""), organizer.value_or(""), {}, ExitStatus::done}, out);
+}
+
+} // namespace
+
+int runProgram(const std::string& programPath, const std::vector<std::string>& arguments,
+               std::ostream& out, std::ostream& errors, const Around& around) {
+    const Parsed parsed = parseOptions(arguments);
+    if (parsed.exit) {
+        (parsed.textIsHelp ? out : errors) << parsed.text << (parsed.textIsHelp ? "" : "\n");
+        return *parsed.exit;
+    }
+    const Options& options = parsed.options;
+    if (options.inspect) {
+        return inspect(options.files, options.emit, out, errors);
+    }
+    warnOfUnknownWords(options, errors);
+    if (const auto status = endsAtOnce(options, errors)) {
+        return *status;
+    }
+    return silentRun(programPath, options, out, errors, around);
+}
+
+} // namespace tandolin::program

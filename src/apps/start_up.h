@@ -1,0 +1,19 @@
+#pragma once
+
+namespace tandolin {
+
+/// The program's entry behind the wiring of the ports: starts, runs, ends. What happened stands in
+/// the run's state and in the log.
+void Main();
+
+/// All set-up, in its fixed order; false means that the run must end.
+bool TDLInitialize();
+
+/// True when this is the only instance and it may go on.
+bool Check4PrevInstance();
+
+/// What unloading the main window does: the log file is written (not in a dry run), the trace is
+/// closed, tables and outside objects are released.
+void unloadMainForm();
+
+} // namespace tandolin
