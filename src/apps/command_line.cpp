@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 
 namespace tandolin {
 
@@ -50,14 +51,16 @@ void warnOfTimer(const Text& value, StringId reason) {
 }
 
 void takeTimer(TextView value) {
-    const auto number = wholeNumber(value);
+    const auto number = decimalNumber(value);
     if (!number) {
         warnOfTimer(Text(value), ids::kTimerNotNumeric);
         return;
     }
-    app.core.GlobalCommandTimer = int16Of(*number);
+    constexpr double kFarBeyond = 1e6;
+    app.core.GlobalCommandTimer =
+        int16Of(std::llrint(std::clamp(*number, -kFarBeyond, kFarBeyond)));
     if (app.core.GlobalCommandTimer < 0) {
-        warnOfTimer(decimal(*number), ids::kTimerRange);
+        warnOfTimer(decimal(app.core.GlobalCommandTimer), ids::kTimerRange);
     }
 }
 
@@ -91,7 +94,7 @@ void startTrace() {
         return;
     }
     openDebugFile();
-    trace(u"Debug: Aufrufstring = " + app.core.programPath + u" " + app.core.commandLine);
+    trace(u"Debug: Aufrufstring = " + app.core.programPath + u" " + app.core.callLine);
 }
 
 } // namespace

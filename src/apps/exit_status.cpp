@@ -2,6 +2,7 @@
 
 #include "core/state.h"
 
+#include <algorithm>
 #include <array>
 #include <utility>
 
@@ -9,10 +10,12 @@ namespace tandolin {
 
 ExitStatus exitStatus() {
     const RunState& run = app.run;
-    const bool incomplete = run.entriesFailed || run.leftBehind || run.diskFull ||
-                            !run.notes.empty() || app.log.LogTransferFehler > 0 ||
-                            app.core.GlobalProgramFehler > run.failuresOfStart;
-    const std::array causes{std::pair{run.startFailed, ExitStatus::startFailed},
+    const bool unreadable =
+        std::ranges::any_of(run.notes, [](const Note& n) { return n.kind == u"unreadable"; });
+    const bool incomplete = run.entriesFailed || run.leftBehind || run.diskFull || unreadable ||
+                            app.log.LogTransferFehler > 0 || run.failures > 0;
+    const std::array causes{std::pair{run.usage, ExitStatus::usage},
+                            std::pair{run.startFailed, ExitStatus::startFailed},
                             std::pair{run.otherInstance, ExitStatus::otherInstance},
                             std::pair{run.phoneFailed, ExitStatus::phone},
                             std::pair{run.organizerFailed, ExitStatus::organizer},

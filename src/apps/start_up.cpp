@@ -1,6 +1,7 @@
 #include "apps/start_up.h"
 
 #include "apps/command_line.h"
+#include "apps/exit_status.h"
 #include "apps/organizer_check.h"
 #include "apps/silent_run.h"
 #include "core/debug_trace.h"
@@ -129,6 +130,12 @@ void saveStartSettings() {
 
 } // namespace
 
+void CheckWindowsVersion() {
+    app.core.Windows95Flag = kFalse;
+    app.core.Windows98Flag = kFalse;
+    app.core.WindowsNTFlag = kTrue; // texts are wide here, as on that family
+}
+
 bool TDLInitialize() {
     return trapped({kModule, u"TDLInitialize"}, false, [](bool& result) {
         if (!readSettings() || !Check4PrevInstance()) {
@@ -164,11 +171,11 @@ bool Check4PrevInstance() {
             trace(u"Debug: NoPrevInstance", u"Debug:  NoPrevInstance");
             return;
         }
+        app.run.otherInstance = static_cast<bool>(app.core.GlobalSilentMode);
         const Text flagAndTitle = u"-1 : " + app.core.applicationTitle;
         trace(u"Debug: App.PrevInstance = " + flagAndTitle,
               u"Debug:  App.PrevInstance = " + flagAndTitle);
         if (app.core.GlobalSilentMode) {
-            app.run.otherInstance = true;
             app.ports.screen.boxes->ask(app.core.applicationTitle,
                                         tr(ids::kAlreadyActive) + u"\r\n" +
                                             tr(ids::kEndActiveProgram),
@@ -203,15 +210,19 @@ void unloadMainForm() {
 void Main() {
     app.core.GlobalUsePXD = kTrue;
     app.core.statusBarHook = [] { SetStatusBarMobile(app.settings.ActiveAPP == 1); };
+    CheckWindowsVersion();
     const bool started = TDLInitialize();
-    app.run.failuresOfStart = app.core.GlobalProgramFehler;
-    if (started) {
+    if (started && !app.core.GlobalSilentMode) {
+        app.run.usage = true; // there is no window that a dialog run could show
+    } else if (started) {
         if (PXDInfoAll(phoneServer(), app.phone.GlobalMobilePaths)) {
             TDLRunSilent();
         } else {
             app.run.phoneFailed = true;
             app.ports.screen.window->runModal(Form::logSummaryForm);
         }
+    } else if (!app.core.GlobalCommandKill && exitStatus() <= ExitStatus::incomplete) {
+        app.run.startFailed = true; // a start that ended has a cause, whatever step it was
     }
     app.status.Quit();
     LogInitlogSummaryform();

@@ -2,9 +2,12 @@
 
 namespace tandolin {
 
-/// The program's entry behind the wiring of the ports: starts, runs, ends. What happened stands in
-/// the run's state and in the log.
+/// The program's entry behind the wiring of the ports: starts, makes the silent run that the words
+/// ask for, ends. What happened stands in the run's state and in the log.
 void Main();
+
+/// Records the family of the operating system; it decides how texts are taken from libraries.
+void CheckWindowsVersion();
 
 /// All set-up, in its fixed order; false means that the run must end.
 bool TDLInitialize();

@@ -25,16 +25,24 @@ void trace(TextView boxText, TextView fileText) {
         return;
     }
     app.ports.screen.boxes->ask(app.core.applicationTitle, boxText, Icon::none, Buttons::ok);
+    if (!app.core.traceOpen) {
+        return;
+    }
     const Date now = app.ports.clock->now();
     app.ports.files->append(quoted(formatDate(now) + u" " + isoTime(now) + u"\r\n" +
                                    Text(fileText.empty() ? boxText : fileText)));
 }
 
 void openDebugFile() {
+    if (app.run.dryRun) {
+        return;
+    }
     app.ports.files->openTrace(app.settings.HomeDir + u"\\TDLDebug.txt");
+    app.core.traceOpen = true;
 }
 
 void closeDebugFile() {
+    app.core.traceOpen = false;
     app.ports.files->closeTrace();
 }
 

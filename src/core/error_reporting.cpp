@@ -75,6 +75,7 @@ void ReportError(Failure& failure, Place place, TextView extraText) {
         failure.Clear();
         return;
     }
+    ++app.run.failures;
     Text message = failureSentence(failure.Number, place.module);
     if (failure.Number == failure_number::kServerGone) {
         app.phone.PXDServer.reset();

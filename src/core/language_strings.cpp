@@ -56,7 +56,8 @@ void LoadLanguageStrings() {
 }
 
 int LoadLibraryC(TextView path, int /*dataFileFlag*/) {
-    return trapped({kModule, u"LoadLibraryC"}, 0, [path](int& handle) {
+    constexpr int kAbsent = 2;
+    const int opened = trapped({kModule, u"LoadLibraryC"}, 0, [path](int& handle) {
         handle = app.ports.languages->open(path);
         if (handle == 0) {
             // The path stands first, the words behind it.
@@ -64,6 +65,11 @@ int LoadLibraryC(TextView path, int /*dataFileFlag*/) {
                           Text(path) + tr(ids::kCannotLoadLibrary), u"LoadLibraryC");
         }
     });
+    if (opened == 0 && app.ports.languages->lastError() == kAbsent) {
+        // A language nobody has translated yet is told, but is no failure of what the run does.
+        --app.run.failures;
+    }
+    return opened;
 }
 
 Text LoadStringC(int handle, int id) {
@@ -73,8 +79,8 @@ Text LoadStringC(int handle, int id) {
     }
     if (text.empty()) {
         // A missing id is a failure and not an empty text. The library's answer, 0 characters,
-        // would read as "no failure", so the number says that nothing was found.
-        throw Failure(failure_number::kNotFound, u"String " + decimal(id) + u" is missing",
+        // would read as "no failure", so the number is that of a missing item.
+        throw Failure(failure_number::kNoItem, u"String " + decimal(id) + u" is missing",
                       u"LoadStringC");
     }
     return text;

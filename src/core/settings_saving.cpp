@@ -86,7 +86,7 @@ bool writePort(SettingsRoot root) {
 void showSettingsFailure(const Failure& failure, TextView routine, TextView name) {
     const Text where = Text(routine) + u':' + Text(name);
     Text text = failure.Description;
-    text += u"\r\n" + Text(u"Ort: ") + Text(kModule) + u':' + where;
+    text += u"\r\n" + tr(ids::kLocation) + Text(kModule) + u':' + where;
     text += u"\r\n" + tr(ids::kDescription) + failure.Description;
     text += u"\r\n" + tr(ids::kNumber) + decimal(failure.Number);
     app.ports.screen.boxes->ask(tr(ids::kErrorIn) + where, text, Icon::exclamation, Buttons::ok);

@@ -30,14 +30,20 @@ struct CoreState {
     Flag GlobalCommandOptions;
     std::int16_t GlobalCommandTimer = 0;
     Flag GlobalUsePXD = kTrue;
-    Flag WindowsNTFlag = kTrue;
+    Flag Windows95Flag;
+    Flag Windows98Flag;
+    Flag WindowsNTFlag;
     Text GlobalVersion = u"1.0";
     Text GlobalLanguageFile;
     Date GlobalToday;
-    /// The process's arguments joined by blanks, as given.
+    /// The words of the command line joined by blanks, as given.
     Text commandLine;
+    /// All arguments as given, for the trace.
+    Text callLine;
     Text programPath;
     Text applicationTitle;
+    /// The debug file is open.
+    bool traceOpen = false;
     Flag GlobalADOAvailable;
     std::int16_t GlobalPIMErrorCount = 0;
     std::int16_t GlobalProgramFehler = 0;
@@ -133,6 +139,8 @@ struct LogState {
     Text LogAction;
     Text LogTransfer;
     Text summary;
+    /// The kind in words of the last calendar row.
+    Text kindInWords;
 };
 
 /// Something the user should know about an entry or a file, though the run went on.
@@ -146,6 +154,7 @@ struct Note {
 
 /// What decides the exit status of a run. Each is set where it happens and never cleared.
 struct RunState {
+    bool usage = false;
     bool phoneFailed = false;
     bool organizerFailed = false;
     bool cancelled = false;
@@ -158,9 +167,8 @@ struct RunState {
     bool dryRun = false;
     /// `--max-remove`; negative stands for no limit.
     std::int64_t maxRemove = -1;
-    /// Failures that were told until the start was over and did not end it (a language without a
-    /// library, say): they do not make the run itself incomplete.
-    std::int16_t failuresOfStart = 0;
+    /// Reported failures, from the first step on.
+    std::int32_t failures = 0;
     std::int32_t phoneRead = 0;
     std::int32_t organizerRead = 0;
     std::int32_t paired = 0;

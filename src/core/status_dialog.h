@@ -10,10 +10,13 @@ class Status_Anzeige {
 public:
     /// Opens the dialog; one that is open is used again. With `noShow` it stays without a picture.
     void Start(TextView title, bool noShow = false);
+    /// Lets user input in, then shows the text while the dialog is open.
     void SetText(TextView text);
     /// False when the user pressed Cancel and confirmed it.
     bool GetState();
+    /// Closes the dialog; SetText and GetState only let user input in afterwards.
     void Quit();
+    /// Which of the two controls can be seen.
     void showButtons(bool cancelShown, bool okShown);
 
     [[nodiscard]] bool isOpen() const { return !finished_; }

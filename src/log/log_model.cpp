@@ -24,7 +24,7 @@ bool bulkRun() {
 
 /// The kind in words. Wanted: a value outside the four keeps the kind of the entry before.
 const Text& kindInWords(TextView typ) {
-    static Text words;
+    Text& words = app.log.kindInWords;
     if (typ.empty()) {
         words = tr(ids::kMemo);
     } else if (typ == u"1") {
@@ -65,9 +65,12 @@ Text failureOnOneLine(const Failure& failure, TextView message) {
     text += !message.empty() && !failure.Description.empty() ? TextView(u" : ") : TextView{};
     text += failure.Description;
     Text line;
-    for (const Text& piece : split(text, u"\r\n")) {
-        line += line.empty() ? TextView{} : TextView(u" ");
-        line += piece;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const bool breaks = text[i] == u'\r' || text[i] == u'\n';
+        if (text[i] == u'\r' && i + 1 < text.size() && text[i + 1] == u'\n') {
+            ++i;
+        }
+        line += breaks ? u' ' : text[i];
     }
     return line;
 }

@@ -30,6 +30,7 @@ struct TransferCounts {
     std::int32_t organizerRemoved = 0;
 };
 
+/// Counts the calendar log.
 TransferCounts countTransfers();
 
 } // namespace tandolin

@@ -84,6 +84,9 @@ TakenItems readItems(Table<Calendar>& table, StartRange range) {
         if (isNew) {
             taken.add(item->EntryID);
             takeItem(table, *item);
+            if (item->IsRecurring) {
+                folder.SkipOccurrences(); // the row stands for all of them
+            }
             selected += EntryTypeCheck(app.settings.SyncTermine, table) ? 1 : 0;
             if (limitedByNumber() && selected >= app.settings.SyncAlarmAnzahl) {
                 break;

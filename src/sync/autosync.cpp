@@ -73,12 +73,25 @@ void writeByMode() {
     }
 }
 
-void runSteps() {
-    prepareSyncSettings();
-    showStep(ids::kAutoSync);
-    if (app.settings.SyncTyp != 3) {
-        setFrame(frameOfSettings());
+/// A setting that names no mode or frame ends the run before anything is read.
+void takeSettings() {
+    if (const auto failure = attempt([] {
+            prepareSyncSettings();
+            if (app.settings.SyncTyp < 1 || app.settings.SyncTyp > 4) {
+                throw typeMismatch(u"SyncTyp " + decimal(app.settings.SyncTyp));
+            }
+            if (app.settings.SyncTyp != 3) {
+                setFrame(frameOfSettings());
+            }
+        })) {
+        app.run.startFailed = true;
+        throw Failure(*failure);
     }
+}
+
+void runSteps() {
+    takeSettings();
+    showStep(ids::kAutoSync);
     if (!readPhone()) {
         return;
     }

@@ -322,6 +322,17 @@ TEST_CASE("what another program does meanwhile is kept") {
     CHECK(startsWithin(calendar, kFrom, kTo) == Starts{"2027-04-01 11:00"});
 }
 
+TEST_CASE("a change that would make the file unreadable is refused") {
+    const OrganizerFolder folder;
+    const std::string bytes = calendarOf(eventOf("DTSTART:20270301T090000\nEXDATE:soon\n"));
+    folder.put("calendar/a.ics", bytes);
+    auto organizer = folder.open();
+    const auto item = organizer.GetDefaultCalendarFolder().GetItemFromID(u"u1");
+    item->setRecurrencePattern({OlRecurrence::daily, 1, 0, 0, {}});
+    CHECK(failureOf([&] { item->Save(); }) == failure_number::kOrganizer);
+    CHECK(folder.bytesOf("calendar/a.ics") == bytes);
+}
+
 TEST_CASE("a file with several items loses only the one that is removed") {
     const OrganizerFolder folder;
     const std::string task = "BEGIN:VTODO\nUID:t\nX-KEEP:a\\,b\nEND:VTODO\n";

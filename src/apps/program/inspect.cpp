@@ -4,6 +4,7 @@
 #include "core/trap.h"
 #include "formats/ansi.h"
 #include "formats/calendar_codec.h"
+#include "platform/screen_terminal/signals.h"
 #include "platform/settings_toml/toml_settings.h"
 #include "platform/system_posix/atomic_file.h"
 #include "platform/system_posix/posix_locale.h"
@@ -13,7 +14,9 @@
 
 #include <nlohmann/json.hpp>
 
+#include <algorithm>
 #include <filesystem>
+#include <fstream>
 #include <ostream>
 
 namespace tandolin::program {
@@ -24,10 +27,13 @@ using Json = nlohmann::ordered_json;
 
 constexpr std::size_t kLargestObject = 16U << 20U;
 
-bool isCard(const std::string& file, std::string_view bytes) {
-    const bool cardInside = sameText(fromUtf8(bytes.substr(0, 11)), u"BEGIN:VCARD");
-    return cardInside ||
-           sameText(fromUtf8(std::filesystem::path(file).extension().string()), u".vcf");
+/// By its content, or else by its name. Only the first bytes are looked at.
+bool isCard(const std::string& file) {
+    constexpr std::string_view kBegin = "BEGIN:VCARD";
+    std::string first(kBegin.size(), '\0');
+    std::ifstream(file, std::ios::binary).read(first.data(), kBegin.size());
+    const auto extension = std::filesystem::path(file).extension().string();
+    return sameText(fromUtf8(first), fromUtf8(kBegin)) || sameText(fromUtf8(extension), u".vcf");
 }
 
 Json cell(const Row& row, const FieldSpec& field, std::size_t i) {
@@ -104,15 +110,18 @@ int inspect(const std::vector<std::string>& files, bool emit, std::ostream& out,
     app.ports.locale = &locale;
     app.core.GlobalSilentMode = kTrue;
     RegDateTimeFormatGet();
+    if (const auto card = std::ranges::find_if(files, isCard); card != files.end()) {
+        errors << *card << " is a card; cards are not available in this version\n";
+        return 2;
+    }
     bool allRead = true;
     for (const std::string& file : files) {
+        if (platform::interruptCount() > 0 || platform::terminated()) {
+            return 5;
+        }
         std::string bytes;
         const auto failure =
             attempt([&] { bytes = platform::readWholeFile(file, kLargestObject); });
-        if (isCard(file, bytes)) {
-            errors << file << " is a card; cards are not available in this version\n";
-            return 2;
-        }
         const Json document = documentOf(file, bytes, failure, emit);
         allRead = allRead && document["ok"] == true;
         out << document.dump(-1, ' ', false, Json::error_handler_t::replace) << '\n';

@@ -92,6 +92,7 @@ void define(CLI::App& cli, Options& options, std::vector<std::string>& sets, std
     cli.add_flag("--quiet", options.quiet, "failures only");
     cli.add_flag("--verbose", options.verbose, "also say why entries did not pair");
     cli.add_option("WORDS", options.words, "what to do, see below");
+    cli.allow_extras(); // "-x" is a word like any other; only "--" begins an option
     for (CLI::Option* option : cli.get_options()) {
         if (option->nonpositional()) {
             option->ignore_case();
@@ -170,6 +171,12 @@ Parsed parseOptions(const std::vector<std::string>& arguments) {
         return parsed;
     } catch (const CLI::ParseError& error) {
         return usage(error.what());
+    }
+    for (const std::string& extra : cli.remaining()) {
+        if (isOption(extra)) {
+            return usage("unknown option " + extra + "; --help lists them");
+        }
+        parsed.options.words.push_back(extra);
     }
     parsed.options.answer = lower(parsed.options.answer);
     for (const auto& problem : {takeSets(sets, parsed.options), takeLimit(limit, parsed.options)}) {

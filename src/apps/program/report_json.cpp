@@ -82,7 +82,7 @@ void writeJson(std::ostream& out, const RunFacts& facts) {
                         {"contacts", Json::array()},
                         {"errors", failureRows(facts.failures)},
                         {"notes", noteRows()}};
-    out << document.dump() << '\n';
+    out << document.dump(-1, ' ', false, Json::error_handler_t::replace) << '\n';
 }
 
 } // namespace tandolin::program

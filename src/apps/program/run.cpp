@@ -8,6 +8,7 @@
 #include "core/state.h"
 #include "core/trap.h"
 #include "log/log_model.h"
+#include "log/log_text.h"
 #include "platform/language_mo/mo_languages.h"
 #include "platform/screen_terminal/terminal_screen.h"
 #include "platform/settings_toml/toml_settings.h"
@@ -29,6 +30,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
+constexpr const char* kNoWindow = "There is no window in this version: give a word, such as VCAL.";
 constexpr const char* kMachineSettings = "/etc/halverntandolin/settings.toml";
 
 /// A directory of the user by the base directory rules: the variable, else below the home.
@@ -95,8 +97,7 @@ std::optional<int> endsAtOnce(const Options& options, std::ostream& errors) {
         }
     }
     if (!hasWord(options.words, u"VCAL")) {
-        errors << "There is no window in this version: give a word, such as VCAL.\n\n"
-               << helpText();
+        errors << kNoWindow << "\n\n" << helpText();
         return 2;
     }
     return std::nullopt;
@@ -148,11 +149,15 @@ public:
     bool loadSettings() {
         return trapped({u"Main_Modul", u"Main"}, false, [this](bool& result) {
             app.run.startFailed = true;
+            // Taken before the settings are read: a copy from before another run's end must never
+            // be saved over what that run wrote. Whether it was free is asked later.
+            attempt([this] { lock_.previousInstance(); });
             settings_.load();
             const fs::path home = options_.home ? fs::absolute(*options_.home)
                                                 : userDirectory("XDG_DATA_HOME", ".local/share");
             const Text homeText = fromUtf8(home.string());
-            settings_.seedFirstStart(clock_.now(), homeText);
+            settings_.seedFirstStart(
+                clock_.now(), fromUtf8(userDirectory("XDG_DATA_HOME", ".local/share").string()));
             const bool homeStored =
                 settings_.read(SettingsRoot::user, kSettingsKey, u"HomeDir").has_value();
             if (options_.home || !homeStored) {
@@ -227,19 +232,25 @@ int report(const Options& options, RunFacts facts, std::ostream& out) {
         writeSummary(out);
     }
     out.flush();
+    if (!out) {
+        *listening.errors << "the result could not be written to standard output\n";
+        return std::max(static_cast<int>(facts.exit), static_cast<int>(ExitStatus::incomplete));
+    }
     return static_cast<int>(facts.exit);
 }
 
-int silentRun(const std::string& programPath, const Options& options, std::ostream& out,
-              std::ostream& errors, const Around& around) {
+int silentRun(const std::string& programPath, const std::vector<std::string>& arguments,
+              const Options& options, std::ostream& out, std::ostream& errors,
+              const Around& around) {
     Wiring wiring(options, errors);
     app.core.programPath = fromUtf8(programPath);
     app.core.commandLine = fromUtf8(joined(options.words));
-    const bool loaded = wiring.loadSettings();
-    if (const auto problem = loaded ? wiring.applySets() : std::nullopt) {
+    app.core.callLine = fromUtf8(joined(arguments));
+    if (const auto problem = wiring.applySets()) {
         errors << "--set " << toUtf8(*problem) << '\n';
         return 2;
     }
+    const bool loaded = wiring.loadSettings();
     const auto phone = wiring.connection(options.phone, u"phone");
     const auto organizer = wiring.connection(options.organizer, u"organizer");
     Stores stores = openStores(phone, organizer, options.dryRun, wiring.clock());
@@ -254,6 +265,12 @@ int silentRun(const std::string& programPath, const Options& options, std::ostre
     if (loaded) {
         connectStores(stores, around);
         Main();
+    } else {
+        LogInitlogSummaryform();
+    }
+    if (app.run.usage) {
+        errors << kNoWindow << "\n\n" << helpText();
+        return static_cast<int>(ExitStatus::usage);
     }
     wiring.closeScreen();
     return report(options, {phone.value_or(""), organizer.value_or(""), {}, ExitStatus::done}, out);
@@ -272,11 +289,13 @@ int runProgram(const std::string& programPath, const std::vector<std::string>& a
     if (options.inspect) {
         return inspect(options.files, options.emit, out, errors);
     }
-    warnOfUnknownWords(options, errors);
+    if (!options.quiet) {
+        warnOfUnknownWords(options, errors);
+    }
     if (const auto status = endsAtOnce(options, errors)) {
         return *status;
     }
-    return silentRun(programPath, options, out, errors, around);
+    return silentRun(programPath, arguments, options, out, errors, around);
 }
 
 } // namespace tandolin::program

@@ -17,6 +17,7 @@ struct Stores {
     std::optional<std::string> problem;
 };
 
+/// Takes the URIs apart; nothing is opened. `clock` must outlive what is made.
 Stores openStores(const std::optional<std::string>& phoneUri,
                   const std::optional<std::string>& organizerUri, bool dryRun, const Clock& clock);
 

@@ -26,6 +26,8 @@ void catchSignals() {
     // Without SA_RESTART: a question that waits for an answer ends when the next signal comes.
     sigaction(SIGINT, &action, nullptr);
     sigaction(SIGTERM, &action, nullptr);
+    // A reader that goes away must not end a run in the middle; the failed write is seen instead.
+    std::signal(SIGPIPE, SIG_IGN);
 }
 
 int interruptCount() {

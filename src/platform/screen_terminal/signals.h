@@ -2,7 +2,7 @@
 
 namespace tandolin::platform {
 
-/// From now on SIGINT and SIGTERM are noted and no longer end the process.
+/// From now on SIGINT and SIGTERM are noted and no longer end the process; SIGPIPE is ignored.
 void catchSignals();
 
 /// How often SIGINT came so far.

@@ -1,5 +1,6 @@
 #include "platform/screen_terminal/terminal_screen.h"
 
+#include "core/language_strings.h"
 #include "platform/screen_terminal/signals.h"
 
 #include <algorithm>
@@ -30,7 +31,7 @@ TerminalScreen::TerminalScreen(std::ostream& errors, Chatter chatter, const std:
       terminal_(isatty(STDIN_FILENO) == 1 && isatty(STDERR_FILENO) == 1) {}
 
 Answer TerminalScreen::ask(TextView, TextView text, Icon icon, Buttons buttons) {
-    if (cancelAsked_) {
+    if (cancelAsked_ && text == tr(ids::kReallyCancel)) {
         cancelAsked_ = false;
         return askWhetherToStop(text);
     }

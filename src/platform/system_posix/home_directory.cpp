@@ -19,6 +19,9 @@ constexpr unsigned kPrivate = 0600;
 void HomeDirectory::ensureWritable(TextView directory) {
     const std::filesystem::path path = mappedPath(directory);
     makePrivateDirectories(path);
+    if (!std::filesystem::is_directory(path)) {
+        throw failureOfErrno(ENOTDIR, path, u"cannot write into the home directory");
+    }
     if (::access(path.c_str(), W_OK | X_OK) != 0) {
         throw failureOfErrno(errno, path, u"cannot write into the home directory");
     }
