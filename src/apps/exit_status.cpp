@@ -12,7 +12,7 @@ ExitStatus exitStatus() {
     const RunState& run = app.run;
     const bool unreadable =
         std::ranges::any_of(run.notes, [](const Note& n) { return n.kind == u"unreadable"; });
-    const bool incomplete = run.entriesFailed || run.leftBehind || run.diskFull || unreadable ||
+    const bool incomplete = run.entriesFailed || run.leftBehind > 0 || run.diskFull || unreadable ||
                             app.log.LogTransferFehler > 0 || run.failures > 0;
     const std::array causes{std::pair{run.usage, ExitStatus::usage},
                             std::pair{run.startFailed, ExitStatus::startFailed},

@@ -91,6 +91,8 @@ inline constexpr StringId kAutoSyncWait{885};
 inline constexpr StringId kAutoSyncWord{886};
 inline constexpr StringId kAutoSyncOptions{887};
 inline constexpr StringId kSearchEntry{889};
+inline constexpr StringId kNoMoreEntries{834};
+inline constexpr StringId kAllEntriesUsed{835};
 inline constexpr StringId kConnected{890};
 inline constexpr StringId kNoPhone{891};
 inline constexpr StringId kNotConnected{892};

@@ -162,7 +162,8 @@ struct RunState {
     bool startFailed = false;
     bool otherInstance = false;
     bool entriesFailed = false;
-    bool leftBehind = false;
+    /// Entries of the frame and kinds for which the phone had no room.
+    std::int32_t leftBehind = 0;
     bool diskFull = false;
     bool dryRun = false;
     /// `--max-remove`; negative stands for no limit.

@@ -27,6 +27,9 @@ void Status_Anzeige::SetText(TextView text) {
 
 bool Status_Anzeige::GetState() {
     goOn_ = !app.ports.screen.status->cancelPressed() && goOn_;
+    if (app.run.cancelled) {
+        return false; // confirmed once: the run is on its way out
+    }
     if (finished_ || goOn_) {
         return true;
     }

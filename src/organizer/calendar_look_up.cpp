@@ -4,8 +4,12 @@
 #include "core/trap.h"
 #include "formats/calendar_codec.h"
 #include "organizer/calendar_reading.h"
+#include "organizer/series_facts.h"
 #include "sync/calendar_matching.h"
+#include "sync/calendar_rules.h"
 #include "sync/organizer_row.h"
+
+#include <vector>
 
 namespace tandolin {
 
@@ -17,42 +21,98 @@ StartRange rangeFrom(Date start) {
     return {start, hasTime ? dateFromSeconds(start.seconds() + kHour) : start};
 }
 
-/// True when an item of the range matched a row that the organizer did not have yet.
-bool pairFromRange(Table<Calendar>& table, StartRange range) {
-    CalendarFolder& folder = calendarFolderInUse();
-    for (const AppointmentFacts* item = folder.Find(range); item != nullptr;
-         item = folder.FindNext()) {
-        Table<Calendar> scratch;
-        vCalCreateNewRecord(scratch);
-        const KeepPosition keep(table);
-        if (InsertEntry(*item, scratch) && vCalFindCompare(table, scratch, Date{0}) &&
-            !table[cal::PIM]) {
-            vCalSyncOutlookEntry(table, scratch);
-            table.set(cal::creafromMob, true);
-            return true;
+/// One look-up for one row: what it found so far.
+class LookUp {
+public:
+    explicit LookUp(Table<Calendar>& table) : table_(table) {}
+
+    void within(StartRange range) {
+        CalendarFolder& folder = calendarFolderInUse();
+        // Taking an item may open it, which ends the search: the items are taken behind it.
+        std::vector<AppointmentFacts> items;
+        for (const AppointmentFacts* item = folder.Find(range); item != nullptr;
+             item = folder.FindNext()) {
+            items.push_back(*item);
+        }
+        take(items);
+    }
+
+    void seriesOf(Date day) { take(calendarFolderInUse().SeriesBeginning(day)); }
+
+    [[nodiscard]] bool rowIsPaired() const { return table_[cal::PIM]; }
+
+    /// The organizer has the entry, but not in the phone's words.
+    [[nodiscard]] bool heldInOtherForm() const { return heldInOtherForm_; }
+
+private:
+    void take(const std::vector<AppointmentFacts>& items) {
+        for (const AppointmentFacts& item : items) {
+            if (rowIsPaired()) {
+                return;
+            }
+            Table<Calendar> scratch;
+            vCalCreateNewRecord(scratch);
+            if (InsertEntry(factsForRow(item), scratch)) {
+                pair(scratch);
+            }
         }
     }
-    return false;
-}
+
+    /// The item may be the partner of another row of the phone than the one looked at.
+    void pair(Table<Calendar>& scratch) {
+        const KeepPosition keep(table_);
+        if (vCalFindCompare(table_, scratch, Date{0})) {
+            if (!table_[cal::PIM]) {
+                vCalSyncOutlookEntry(table_, scratch);
+                table_.set(cal::creafromMob, true);
+                ++app.organizer.vCalPIMCount;
+                app.organizer.vCalPIMRead = kTrue;
+            }
+            return;
+        }
+        const bool known = isInTable(scratch[cal::UID]);
+        heldInOtherForm_ = heldInOtherForm_ || (!known && equalsOnPhone(scratch));
+    }
+
+    bool isInTable(TextView uid) {
+        const KeepPosition keep(table_);
+        table_.MoveFirst();
+        return table_.Find(cal::UID, uid);
+    }
+
+    [[nodiscard]] bool equalsOnPhone(const Table<Calendar>& organizer) const {
+        const auto key = table_[cal::IsRecurring] ? cal::PimRecPattString : cal::StartAsText;
+        return organizer[cal::IsRecurring] == table_[cal::IsRecurring] &&
+               organizer[cal::RecurrenceType] == table_[cal::RecurrenceType] &&
+               organizer[key] == table_[key] &&
+               organizer[cal::StartTime] == table_[cal::StartTime] &&
+               kindsAgree(table_, organizer) && textsEqualOnPhone(organizer, table_);
+    }
+
+    Table<Calendar>& table_;
+    bool heldInOtherForm_ = false;
+};
 
 } // namespace
 
-bool SearchingforaOutlookEntry(Table<Calendar>& table) {
-    return trapped({u"QELOutlook", u"SearchingforaOutlookEntry"}, false, [&table](bool& result) {
+bool SearchingforaOutlookEntry(Table<Calendar>& table, bool* heldInOtherForm) {
+    return trapped({u"QELOutlook", u"SearchingforaOutlookEntry"}, false, [&](bool& result) {
         if (app.organizer.MOL == nullptr || !app.organizer.OrganizerPresent) {
             result = true;
             return;
         }
+        LookUp lookUp(table);
         const Date start = table[cal::Start];
+        lookUp.within(rangeFrom(start));
         const Date anchor = table[cal::PIMRecPatt];
-        bool paired = pairFromRange(table, rangeFrom(start));
-        if (!paired && table[cal::IsRecurring] && anchor != Date{0} &&
-            wholeDay(anchor) != wholeDay(start)) {
-            paired = pairFromRange(table, rangeFrom(atTime(anchor, start)));
+        if (table[cal::IsRecurring] && anchor != Date{0} && !lookUp.rowIsPaired()) {
+            if (wholeDay(anchor) != wholeDay(start)) {
+                lookUp.within(rangeFrom(atTime(anchor, start)));
+            }
+            lookUp.seriesOf(wholeDay(anchor));
         }
-        if (paired) {
-            ++app.organizer.vCalPIMCount;
-            app.organizer.vCalPIMRead = kTrue;
+        if (heldInOtherForm != nullptr) {
+            *heldInOtherForm = lookUp.heldInOtherForm();
         }
         result = true;
     });

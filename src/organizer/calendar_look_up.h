@@ -8,7 +8,8 @@ namespace tandolin {
 /// at its start, for an entry with a time those up to one hour later, and for a series those at its
 /// anchor too. The row that a found item matches becomes one of both sides; `vCalPIMCount` grows by
 /// it. The position stays. False after a reported failure: the organizer may hold the entry all the
-/// same.
-bool SearchingforaOutlookEntry(Table<Calendar>& table);
+/// same. `heldInOtherForm`, where given, takes whether an item outside the table equals the row as
+/// the phone would hold it.
+bool SearchingforaOutlookEntry(Table<Calendar>& table, bool* heldInOtherForm = nullptr);
 
 } // namespace tandolin

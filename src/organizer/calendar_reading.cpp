@@ -5,6 +5,7 @@
 #include "formats/calendar_codec.h"
 #include "formats/recurrence.h"
 #include "organizer/clear_organizer.h"
+#include "organizer/series_facts.h"
 #include "store/work_row.h"
 #include "sync/calendar_matching.h"
 #include "sync/calendar_rules.h"
@@ -57,7 +58,7 @@ void showProgress(std::int32_t number, bool isNew) {
 /// Takes one new item into the table; the table stands on its row afterwards.
 void takeItem(Table<Calendar>& table, const AppointmentFacts& item) {
     const WorkRow work;
-    if (!InsertEntry(item, tables.RSCalendarWork)) {
+    if (!InsertEntry(factsForRow(item), tables.RSCalendarWork)) {
         // A row that is not whole must not look like an entry that is missing on one side.
         throw Failure(failure_number::kOrganizer, u"An item could not be read: " + item.File);
     }
@@ -155,11 +156,6 @@ bool readCalendar(Table<Calendar>& table, StartRange range, Place place) {
     });
 }
 
-/// A bound as the criterion of a read at the desktop writes it: the time without seconds.
-Date toTheMinute(Date date) {
-    return dateFromSeconds(date.seconds() / 60 * 60);
-}
-
 } // namespace
 
 void openCalendarFolder() {
@@ -193,9 +189,8 @@ bool TestOLCalFolder() {
 
 bool vCalReadOutlook(Table<Calendar>& table, bool noGridRefresh) {
     app.status.Start(tr(ids::kProgramTitle));
-    const bool done =
-        readCalendar(table, {wholeDay(app.sync.DateFrameFrom), toTheMinute(app.sync.DateFrameTo)},
-                     {kModule, u"vCalReadOutlook"});
+    const bool done = readCalendar(table, {wholeDay(app.sync.DateFrameFrom), app.sync.DateFrameTo},
+                                   {kModule, u"vCalReadOutlook"});
     if (done && !noGridRefresh) {
         app.ports.screen.window->refresh(Grid::GridEXCal);
     }

@@ -79,8 +79,7 @@ bool readOne(TextView fileName) {
 /// A listing without entries looks like a missing phone; only an explicit wish and a status file
 /// that says the same make it a read of nothing.
 bool emptyPhoneAccepted() {
-    const auto total = totalRecordsNow(StoreDirectory::calendar);
-    if (app.phone.acceptEmptyPhone && total == 0) {
+    if (app.phone.acceptEmptyPhone && totalRecordsNow(StoreDirectory::calendar) == 0) {
         app.phone.vCalEntryCount = 0;
         app.phone.MobileConnected = kTrue;
         app.phone.vCalRead = kTrue;

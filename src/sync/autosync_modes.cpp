@@ -28,8 +28,7 @@ bool isOrganizerOnly(const Table<Calendar>& table) {
 /// An entry stays away from the phone for want of room; one that the phone has in its own form
 /// does not.
 void leaveBehind(SyncWork& work, Table<Calendar>& table) {
-    app.run.leftBehind =
-        app.run.leftBehind || (isOrganizerOnly(table) && !work.nearMatches.standsFor(table));
+    app.run.leftBehind += isOrganizerOnly(table) && !work.nearMatches.standsFor(table) ? 1 : 0;
 }
 
 bool sendNewObject(Table<Calendar>& table) {
@@ -37,7 +36,7 @@ bool sendNewObject(Table<Calendar>& table) {
     table.set(cal::Mobile, true);
     const std::int32_t number = freeCalendarNumber();
     if (number == -1) {
-        app.run.leftBehind = true;
+        ++app.run.leftBehind;
         return true; // Wanted: the row stays marked, nothing is sent.
     }
     table.set(cal::EntryID, decimal(number));
@@ -62,13 +61,14 @@ bool sendIfMissing(SyncWork& work, Table<Calendar>& table) {
         return true;
     }
     if (!roomOnPhone()) {
-        app.run.leftBehind = true;
+        ++app.run.leftBehind;
         return true;
     }
     return sendNewObject(table);
 }
 
-/// The table tells the truth about the organizer again, and stands where it stood.
+/// The table tells the truth about the organizer again, and stands where it stood. False ends the
+/// walk: the read failed or was cut short, or the next write would meet the full disk again.
 bool rereadOrganizer(Table<Calendar>& table) {
     app.run.entriesFailed = true;
     const Bookmark mark = table.bookmark();
@@ -76,17 +76,19 @@ bool rereadOrganizer(Table<Calendar>& table) {
     const bool done = vCalReadOutlook(table, true);
     table.goTo(mark);
     app.run.organizerFailed = app.run.organizerFailed || !done;
-    return done;
+    return done && !app.run.cancelled && !app.run.diskFull;
 }
 
 /// A phone-only row becomes an organizer item, unless the organizer has it where the read did not
 /// look. False only when the organizer cannot be read any more: then nothing more is written.
-bool createIfMissing(SyncWork& work, Table<Calendar>& table, bool silentReread) {
-    if (!SearchingforaOutlookEntry(table)) {
+bool createIfMissing(SyncWork& work, Table<Calendar>& table, bool readSeriesBack) {
+    bool heldInOtherForm = false;
+    if (!SearchingforaOutlookEntry(table, &heldInOtherForm)) {
         app.run.organizerFailed = true; // created now, the entry could be there twice
         return false;
     }
-    if (table[cal::EntryType] != CONST_ENTRY_vCAL_MOBILE || work.nearMatches.standsFor(table)) {
+    if (table[cal::EntryType] != CONST_ENTRY_vCAL_MOBILE || heldInOtherForm ||
+        work.nearMatches.standsFor(table)) {
         return true;
     }
     table.set(cal::EntryType, CONST_ENTRY_vCAL_BOTH);
@@ -94,7 +96,7 @@ bool createIfMissing(SyncWork& work, Table<Calendar>& table, bool silentReread) 
     if (!WriteOutlookEntry(table)) {
         return rereadOrganizer(table);
     }
-    if (table[cal::IsRecurring] && silentReread) {
+    if (table[cal::IsRecurring] && readSeriesBack) {
         vCalReadSingleOutlookEntry(table);
     }
     return true;
@@ -119,6 +121,19 @@ bool guardAllows(Table<Calendar>& table, std::int32_t count) {
     return false;
 }
 
+/// A series that was moved into the period has lost its alarm's time of day; it may be sent again.
+void restoreAlarms(Table<Calendar>& table) {
+    if (!table[cal::IsRecurring]) {
+        return;
+    }
+    if (table[cal::AAlarmFlag]) {
+        table.set(cal::AAlarm, table[cal::Start]);
+    }
+    if (table[cal::DAlarmFlag]) {
+        table.set(cal::DAlarm, table[cal::Start]);
+    }
+}
+
 bool removeFromPhone(Table<Calendar>& table) {
     if (!RemoveEntryFromMobile(table)) {
         app.run.entriesFailed = true;
@@ -128,6 +143,7 @@ bool removeFromPhone(Table<Calendar>& table) {
     if (table[cal::EntryType] == CONST_ENTRY_vCAL_MOBILE) {
         table.Delete();
     } else {
+        restoreAlarms(table);
         table.set(cal::EntryType, CONST_ENTRY_vCAL_PIM);
         table.set(cal::EntryID, table[cal::UID]);
         table.set(cal::SubType, -1); // its number is free again, for itself too

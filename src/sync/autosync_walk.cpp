@@ -31,6 +31,18 @@ struct Limit {
     bool cutByRoom; ///< the phone's room, not the wish or the organizer, sets the number
 };
 
+std::int32_t countSelectedPairs(Table<Calendar>& table) {
+    std::int32_t count = 0;
+    const KeepPosition keep(table);
+    for (table.MoveFirst(); !table.atEnd(); table.MoveNext()) {
+        count += table[cal::EntryType] == CONST_ENTRY_vCAL_BOTH &&
+                         EntryTypeCheck(app.settings.SyncTermine, table)
+                     ? 1
+                     : 0;
+    }
+    return count;
+}
+
 Limit limitOf(Table<Calendar>& table, std::int32_t wanted) {
     const std::int32_t room = app.phone.vCalMaxEntries;
     const std::int32_t onPhone = app.phone.vCalEntryCount;
@@ -42,7 +54,10 @@ Limit limitOf(Table<Calendar>& table, std::int32_t wanted) {
         rows = app.organizer.vCalPIMCount;
     }
     if (app.settings.SyncTyp == 4) {
+        // Pairs of kinds that are not selected take nothing from the rows that are.
+        const std::int32_t pairsOfOtherKinds = countPairedRows(table) - countSelectedPairs(table);
         rows += countPhoneOnlyRows(table) - countPairedRows(table);
+        rows += app.settings.SyncZeitraum == 1 ? pairsOfOtherKinds : 0;
     }
     std::int32_t free = room - onPhone - rows;
     if (onPhone > room) {
@@ -74,7 +89,8 @@ public:
                 return false;
             }
             if (app.sync.SyncKeepRow) {
-                --i; // room was made and the walk starts again, having acted on no row yet
+                startAgain();
+                i = 0;
             } else {
                 table_.MoveNext();
             }
@@ -92,21 +108,29 @@ private:
         const Date start = table_[cal::StartDate];
         return start >= frame_.from && start <= frame_.to &&
                (isOrganizerOnly(table_) || !copiesToPhoneOnly()) &&
-               !handled_.contains(Text(table_[cal::EntryID])) &&
+               !(isOrganizerOnly(table_) && handled_.contains(Text(table_[cal::UID]))) &&
                EntryTypeCheck(app.settings.SyncTermine, table_);
+    }
+
+    /// Room was made and the walk begins anew. It has sent nothing yet, and what was removed may
+    /// be what stood for a row.
+    void startAgain() {
+        handled_.clear();
+        work_.nearMatches = {};
     }
 
     bool visit(std::int32_t index) {
         if (!roomOnPhone() && table_[cal::PIM] && app.settings.SyncTyp != 1) {
-            app.run.leftBehind = app.run.leftBehind || wouldBeSent();
+            app.run.leftBehind += wouldBeSent() ? 1 : 0;
             return true;
         }
+        const Text key(table_[cal::UID]); // the row's own key changes when it is sent
         app.status.SetText(tr(ids::kPleaseWait) + u"\r\n" + tr(ids::kSyncRow) + decimal(index));
         if (!SyncType(work_, table_, index)) {
             return false;
         }
         if (!app.sync.SyncKeepRow) {
-            handled_.emplace(table_[cal::EntryID]);
+            handled_.insert(key);
         }
         return true;
     }
@@ -115,14 +139,18 @@ private:
 
     /// The walk ends at its number of rows, which a full phone lowers: what lies behind stays too.
     void noteRowsLeftBehind() {
-        if (app.run.leftBehind || (roomOnPhone() && !limit_.cutByRoom)) {
-            return;
+        for (; !table_.atEnd() && (limit_.cutByRoom || !roomOnPhone()); table_.MoveNext()) {
+            app.run.leftBehind += takesCurrentRow() && wouldBeSent() ? 1 : 0;
         }
-        for (; !table_.atEnd(); table_.MoveNext()) {
-            if (takesCurrentRow() && wouldBeSent()) {
-                app.run.leftBehind = true;
-                return;
-            }
+        if (app.run.leftBehind > 0) {
+            app.ports.screen.boxes->ask(tr(ids::kProgramTitle),
+                                        tr(ids::kNoMoreEntries) + u"\r\n" +
+                                            tr(ids::kAllEntriesUsed) + u"\r\n" +
+                                            decimal(app.run.leftBehind) +
+                                            u" entries stayed in the organizer alone: room for " +
+                                            decimal(app.phone.vCalMaxEntries) + u", kept free " +
+                                            decimal(app.settings.freeMobileEntries),
+                                        Icon::exclamation, Buttons::ok);
         }
     }
 

@@ -1,6 +1,7 @@
 #include "sync/calendar_rules.h"
 
 #include "core/trap.h"
+#include "formats/calendar_codec.h"
 
 #include <algorithm>
 #include <array>
@@ -59,6 +60,36 @@ constexpr std::array kSameEntryRules{
     Rule{startTimesAgree, u"the times differ"},
     Rule{textsAgree, u"the texts differ"},
     Rule{vcalCheckbeforecompare, u"one of them is paired with another entry"}};
+
+/// One form of what differs only in case, trailing blanks or line breaks.
+Text comparable(TextView text) {
+    while (text.ends_with(u' ')) {
+        text.remove_suffix(1);
+    }
+    Text form = upper(text);
+    for (std::size_t at = 0; (at = form.find(u'\r', at)) != Text::npos;) {
+        const bool pair = at + 1 < form.size() && form[at + 1] == u'\n';
+        form.replace(at, pair ? 2 : 1, u"\n");
+    }
+    return form;
+}
+
+/// The text after one pass through the phone's writer and reader, which do not give every
+/// character back. Empty where the row cannot be written.
+Text textReadBack(Rows row) {
+    Table<Calendar> sent;
+    sent.AddNew();
+    CopyFromRecordset(sent, row);
+    Table<Calendar> read;
+    vCalCreateNewRecord(read);
+    const auto failure = attempt([&] {
+        vcalTextCheck(sent);
+        if (const auto unread = readCalendarObject(read, calendarObject(sent))) {
+            throw Failure(*unread);
+        }
+    });
+    return failure ? Text() : Text(read[cal::Text]);
+}
 
 std::size_t lengthOnPhone(Rows row) {
     return row[cal::Typ] == kPhoneCallTyp ? static_cast<std::size_t>(Phonecall_Len(row[cal::Text]))
@@ -133,6 +164,21 @@ bool EntryTypeCheck(std::int16_t SyncTermine, Rows table) {
     constexpr std::array<TextView, 4> kKinds{u"", u"1", u"2", u"3"};
     const auto* const kind = std::ranges::find(kKinds, table[cal::Typ]);
     return kind != kKinds.end() && (SyncTermine >> (kind - kKinds.begin()) & 1) != 0;
+}
+
+bool textsEqualOnPhone(Rows organizer, Rows phone) {
+    const Text wanted = comparable(phone[cal::Text]);
+    const TextView text = organizer[cal::Text];
+    if (phone[cal::Typ] != kPhoneCallTyp) {
+        return comparable(textOnPhone(organizer)) == wanted ||
+               comparable(textReadBack(organizer)) == wanted;
+    }
+    Text digits(text);
+    StripPhoneCallChars(digits);
+    const auto cut = [](TextView number) {
+        return comparable(number.substr(0, static_cast<std::size_t>(Phonecall_Len(number))));
+    };
+    return cut(text) == wanted || (!digits.empty() && cut(digits) == wanted);
 }
 
 void vcalTextCheck(Table<Calendar>& table) {

@@ -36,6 +36,11 @@ bool EntryTypeCheck(std::int16_t SyncTermine, const Table<Calendar>& table);
 /// cut and keeps its value beside one that fits.
 void vcalTextCheck(Table<Calendar>& table);
 
+/// Does the organizer row's text equal the phone row's as the phone would hold and read it back:
+/// cut to its length, without regard to case, trailing blanks and the form of line breaks? For a
+/// phone call its digits alone may equal too.
+bool textsEqualOnPhone(const Table<Calendar>& organizer, const Table<Calendar>& phone);
+
 /// What `vcalTextCheck` would leave of the current row's text.
 Text textOnPhone(const Table<Calendar>& table);
 

@@ -46,6 +46,11 @@ struct AppointmentFacts {
     bool ReminderSet = false;
     bool IsRecurring = false;
     RecurrencePattern Pattern;
+    /// Of a series: its own first start and end, whatever this occurrence shows.
+    Date SeriesStart;
+    Date SeriesEnd;
+    /// This occurrence of a series was changed by itself and brings its own facts.
+    bool IsException = false;
     /// The file or object it comes from, for messages; empty when the store has none.
     Text File;
 };
@@ -91,6 +96,10 @@ public:
     /// The search leaves out what is still to come of the item that it brought last. A caller that
     /// wants each series once saves walking a century of a daily one; ignoring the call is allowed.
     virtual void SkipOccurrences() {}
+
+    /// The series that begin on this day, each once, with the facts of its beginning; also those
+    /// whose first occurrence was taken out. A store that cannot tell gives none.
+    virtual std::vector<AppointmentFacts> SeriesBeginning(Date) { return {}; }
 
     /// A new item, stored by its `Save`; its EntryID is known at once.
     virtual std::unique_ptr<AppointmentItem> CreateItem() = 0;

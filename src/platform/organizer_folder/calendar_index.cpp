@@ -25,6 +25,7 @@ void CalendarIndex::clear() {
     fixed_.clear();
     timetables_.clear();
     otherSeries_.clear();
+    seriesByDay_.clear();
     items_.clear();
 }
 
@@ -61,6 +62,9 @@ void CalendarIndex::add(ReadItem item, std::uint32_t file) {
             otherSeries_.insert(place);
         }
     }
+    if (stored.series) {
+        seriesByDay_.emplace(stored.series->pattern.PatternStartDate.seconds(), place);
+    }
 }
 
 void CalendarIndex::remove(std::string_view id) {
@@ -74,6 +78,7 @@ void CalendarIndex::remove(std::string_view id) {
     if (item.series) {
         timetableOf(*item.series).series.erase({timeOfDay(item.series->start.wall), place});
         otherSeries_.erase(place);
+        seriesByDay_.erase({item.series->pattern.PatternStartDate.seconds(), place});
     }
     places_.erase(found);
     item = StoredItem{};
@@ -83,6 +88,15 @@ void CalendarIndex::remove(std::string_view id) {
 std::optional<std::uint32_t> CalendarIndex::find(std::string_view id) const {
     const auto found = places_.find(id);
     return found == places_.end() ? std::nullopt : std::optional(found->second);
+}
+
+std::vector<std::uint32_t> CalendarIndex::seriesOf(Date day) const {
+    std::vector<std::uint32_t> result;
+    for (auto it = seriesByDay_.lower_bound({day.seconds(), 0});
+         it != seriesByDay_.end() && it->first == day.seconds(); ++it) {
+        result.push_back(it->second);
+    }
+    return result;
 }
 
 std::vector<CalendarIndex::Fixed> CalendarIndex::fixedWithin(Seconds from, Seconds to) const {

@@ -44,6 +44,9 @@ public:
 
     [[nodiscard]] std::deque<StoredItem>& items() { return items_; }
 
+    /// The series whose pattern begins on this day.
+    [[nodiscard]] std::vector<std::uint32_t> seriesOf(Date day) const;
+
     /// A start that no rule gives.
     struct Fixed {
         Seconds start = 0;
@@ -78,6 +81,7 @@ private:
     std::set<Fixed> fixed_;
     std::vector<Timetable> timetables_;
     std::set<std::uint32_t> otherSeries_;
+    std::set<std::pair<std::int64_t, std::uint32_t>> seriesByDay_; ///< first day, place
 };
 
 /// One search in order of start, then identifier. Starts of series are made while it goes on, so

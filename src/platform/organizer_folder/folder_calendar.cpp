@@ -85,6 +85,16 @@ void FolderCalendar::SkipOccurrences() {
     }
 }
 
+std::vector<AppointmentFacts> FolderCalendar::SeriesBeginning(Date day) {
+    ensureRead(false);
+    std::vector<AppointmentFacts> result;
+    for (const std::uint32_t place : index_.seriesOf(wholeDay(day))) {
+        const ical::StoredItem& item = index_.items()[place];
+        fill(result.emplace_back(), item, 0, {item.event.start, item.event.end});
+    }
+    return result;
+}
+
 void FolderCalendar::fill(AppointmentFacts& facts, const ical::StoredItem& item, std::int32_t part,
                           const ical::Span& span) const {
     const ical::EventFacts& event =
@@ -99,6 +109,9 @@ void FolderCalendar::fill(AppointmentFacts& facts, const ical::StoredItem& item,
     facts.ReminderSet = event.reminder;
     facts.IsRecurring = item.series != nullptr;
     facts.Pattern = item.series ? item.series->pattern : RecurrencePattern{};
+    facts.SeriesStart = item.series ? ical::dateOfWall(item.event.start) : Date{};
+    facts.SeriesEnd = item.series ? ical::dateOfWall(item.event.end) : Date{};
+    facts.IsException = part > 0;
     facts.File = directory_.label(files_[item.file].name);
 }
 

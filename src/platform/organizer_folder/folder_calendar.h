@@ -7,9 +7,8 @@
 // entry in the index stays. After that the folder is looked at again
 // - when its own time stamp says that somebody added, replaced or removed a file: then the files
 //   whose inode, time or size changed are read anew; or
-// - for a search over more than a day that follows a new `GetDefaultCalendarFolder`, so that a
-// whole
-//   new read sees files that were written in place too.
+// - for a search over more than a day that follows a new `GetDefaultCalendarFolder`, so that a new
+//   read of the whole calendar sees files that were written in place too.
 // An item that is opened or saved always comes fresh from its file.
 
 #include "core/ports/organizer.h"
@@ -36,6 +35,7 @@ public:
     const AppointmentFacts* Find(StartRange range) override;
     const AppointmentFacts* FindNext() override;
     void SkipOccurrences() override;
+    std::vector<AppointmentFacts> SeriesBeginning(Date day) override;
     std::unique_ptr<AppointmentItem> CreateItem() override;
     std::unique_ptr<AppointmentItem> GetItemFromID(TextView entryID) override;
 
