@@ -33,8 +33,10 @@ struct Civil {
     int second = 0;
 };
 
+/// What `addUnits` counts in.
 enum class DateUnit { days, weeks, months, years };
 
+/// Whole days from 1899-12-30 to a day of the Gregorian calendar.
 constexpr std::int64_t daysFromCivil(int year, int month, int day) {
     // Counted in eras of 400 years from the 1st of March, so that a leap day ends its year.
     const std::int64_t y = month <= 2 ? year - 1 : year;

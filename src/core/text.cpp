@@ -198,7 +198,7 @@ std::int64_t leadingNumber(TextView text) {
     if (negative || text.starts_with(u'+')) {
         text.remove_prefix(1);
     }
-    constexpr std::int64_t kLimit = std::numeric_limits<std::int64_t>::max() / 10 - 1;
+    constexpr std::int64_t kLargest = std::numeric_limits<std::int64_t>::max();
     std::int64_t value = 0;
     for (const char16_t c : text) {
         if (c == u' ') {
@@ -207,7 +207,7 @@ std::int64_t leadingNumber(TextView text) {
         if (!isDigit(c)) {
             break;
         }
-        if (value > kLimit) {
+        if (value > (kLargest - (c - u'0')) / 10) {
             throw overflowFailure();
         }
         value = value * 10 + (c - u'0');

@@ -22,7 +22,7 @@ bool ParsEntryFromMobile(Table<Calendar>& table, TextView object, TextView fileN
 std::optional<Failure> readCalendarObject(Table<Calendar>& table, TextView object,
                                           TextView fileName = {});
 
-/// The object of the current row, CR LF behind every line. The row's texts are cut to the phone's
+/// The object of the current row, CR LF behind every line. The caller has cut the texts to the phone's
 /// length before. Throws Failure 6 for a date or day mask that is out of range.
 Text calendarObject(const Table<Calendar>& table);
 

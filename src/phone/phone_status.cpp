@@ -2,6 +2,8 @@
 
 #include "core/state.h"
 #include "core/trap.h"
+#include "phone/object_store.h"
+#include "phone/phone_info.h"
 
 namespace tandolin {
 
@@ -21,6 +23,11 @@ Text entryCounter(bool contacts) {
                     : usedOf(phone.vCalRead, phone.vCalEntryCount, phone.vCalMaxEntries);
 }
 
+/// The serial dialogue, the other way to the phone, has no transport: it finds no phone.
+bool readStatus() {
+    return app.core.GlobalUsePXD && PXDInfoAll(phoneServer(), app.phone.GlobalMobilePaths);
+}
+
 } // namespace
 
 void SetStatusBarMobile(bool contacts) {
@@ -38,6 +45,26 @@ void SetStatusBarMobile(bool contacts) {
                      u' ' + tr(connected ? ids::kConnected : ids::kNotConnected));
         window->pane(Pane::EntryCounter,
                      u' ' + tr(ids::kPhoneEntriesUsed) + u": " + entryCounter(contacts));
+    });
+}
+
+void TestMobile_Click() {
+    trapped({u"Mobile", u"TestMobile_Click"}, [] {
+        app.ports.screen.window->busy(true);
+        app.status.showButtons(false, false);
+        app.status.Start(tr(ids::kProgramTitle));
+        app.status.SetText(tr(ids::kReadingPhoneStatus));
+        const bool found = readStatus();
+        app.status.showButtons(false, true);
+        app.ports.screen.window->busy(false);
+        if (found) {
+            app.status.SetText(tr(ids::kPhoneTested) + u"\r" + app.phone.MobileManufacturer + u" " +
+                               app.phone.MobileModel);
+        } else {
+            app.status.Quit();
+            app.phone.MobileConnected = kFalse;
+        }
+        SetStatusBarMobile(app.settings.ActiveAPP == 1);
     });
 }
 

@@ -6,4 +6,9 @@ namespace tandolin {
 /// used; for the contacts or for the calendar. Without effect in a silent run and without a window.
 void SetStatusBarMobile(bool contacts);
 
+/// The command "Mobile testen": reads the phone's status anew. The result stands in the status
+/// dialog until the user closes it; on failure the dialog goes and the phone counts as not
+/// connected.
+void TestMobile_Click();
+
 } // namespace tandolin

@@ -27,19 +27,25 @@ void PIMEntrySet(Table<L>& table, TextView key);
 /// `Typ` and the status field that belongs to it; any other value leaves no status set.
 void SetEntryKind(Table<Calendar>& table, TextView key, TextView typ);
 
+/// Writes a new `EntryID`.
 template <class L>
 void SetEntryID(Table<L>& table, TextView key, TextView entryID);
 
+/// Writes the number of the phone's object.
 void SetSubType(Table<Calendar>& table, TextView key, std::int32_t subType);
 
+/// Writes the organizer's identifier.
 template <class L>
 void SetUID(Table<L>& table, TextView key, TextView uid);
 
+/// Writes the file name of the phone's object.
 void SetMobileID(Table<Contact>& table, TextView key, TextView mobileID);
 
+/// Writes the entry's origin.
 template <class L>
 void SetEntryType(Table<L>& table, TextView key, std::int32_t entryType);
 
+/// Writes the days of a weekly series.
 void SetWeekDayMask(Table<Calendar>& table, TextView key, std::int64_t mask);
 
 /// Finds by `UID` or by `EntryID` as `byUID` says, writes the new `UID`, and where the row's

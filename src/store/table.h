@@ -81,6 +81,7 @@ public:
 
     [[nodiscard]] std::span<const FieldSpec> fields() const { return fields_; }
 
+    /// Rows, shown or not.
     [[nodiscard]] std::size_t recordCount() const { return live_; }
 
     [[nodiscard]] bool isEmpty() const { return live_ == 0; }
@@ -88,7 +89,9 @@ public:
     /// True when the cursor stands on no row and no deleted one either.
     [[nodiscard]] bool atEnd() const { return cursor_ >= rows_.size(); }
 
+    /// To the first row that is shown; the end when there is none.
     void MoveFirst();
+    /// To the row behind the current one, deleted or not; the end behind the last.
     void MoveNext();
 
     /// Adds a row with all fields null; the cursor stands on it afterwards.
@@ -102,10 +105,12 @@ public:
 
     /// One-based number of the current row among the rows, 0 at the end or on a deleted row.
     [[nodiscard]] std::size_t AbsolutePosition() const;
+    /// To the row of this number; the end behind the last.
     void setAbsolutePosition(std::size_t position);
 
     [[nodiscard]] Bookmark bookmark() const { return {cursor_, atEnd()}; }
 
+    /// Back to where a bookmark was taken.
     void goTo(Bookmark mark);
 
     /// Positions on the first row from the current one on (itself included) whose text field equals

@@ -26,6 +26,7 @@ struct Tables {
     void clearAll();
 };
 
+/// The tables of this process.
 inline Tables tables;
 
 /// Makes sure that tables can be created and notes it in `GlobalADOAvailable`; failing that, a

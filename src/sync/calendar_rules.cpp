@@ -192,13 +192,7 @@ void vcalTextCheck(Table<Calendar>& table) {
 }
 
 Text textOnPhone(Rows table) {
-    std::size_t length = lengthOnPhone(table);
-    const TextView text = table[cal::Text];
-    // A character of two code units is not torn: half of it could not be sent.
-    if (length < text.size() && (text[length] & 0xFC00U) == 0xDC00U) {
-        --length;
-    }
-    return Text(text.substr(0, length));
+    return Text(table[cal::Text].substr(0, lengthOnPhone(table)));
 }
 
 } // namespace tandolin

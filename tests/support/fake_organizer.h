@@ -51,6 +51,8 @@ public:
         item.IsRecurring = true;
         item.Pattern = {kind, interval, 1 << (weekday(item.Start) - 1), civilOf(item.Start).day,
                         wholeDay(item.Start)};
+        item.SeriesStart = item.Start;
+        item.SeriesEnd = item.End;
     }
 
     /// The program has this organizer from now on.
@@ -123,6 +125,17 @@ public:
         return next_ < found_.size() ? &found_[next_++] : nullptr;
     }
 
+    std::vector<AppointmentFacts> SeriesBeginning(Date day) override {
+        begin(u"SeriesBeginning");
+        std::vector<AppointmentFacts> series;
+        for (const auto& [uid, item] : items) {
+            if (item.IsRecurring && item.Pattern.PatternStartDate == day) {
+                series.push_back(item);
+            }
+        }
+        return series;
+    }
+
     std::unique_ptr<AppointmentItem> CreateItem() override {
         begin(u"CreateItem");
         AppointmentFacts facts;
@@ -168,6 +181,8 @@ private:
 
         void Save() override {
             store_.begin(u"Save");
+            facts_.SeriesStart = facts_.Start;
+            facts_.SeriesEnd = facts_.End;
             store_.items[facts_.EntryID] = facts_;
         }
 

@@ -27,14 +27,46 @@ using Json = nlohmann::ordered_json;
 
 constexpr std::size_t kLargestObject = 16U << 20U;
 
-/// By its content, or else by its name. Only the first bytes are looked at.
+/// By its content, or else by its name. Only the first bytes of a regular file are looked at.
 bool isCard(const std::string& file) {
     constexpr std::string_view kBegin = "BEGIN:VCARD";
     std::string first(kBegin.size(), '\0');
-    std::ifstream(file, std::ios::binary).read(first.data(), kBegin.size());
-    const auto extension = std::filesystem::path(file).extension().string();
-    return sameText(fromUtf8(first), fromUtf8(kBegin)) || sameText(fromUtf8(extension), u".vcf");
+    std::error_code unknown;
+    if (std::filesystem::is_regular_file(file, unknown)) {
+        std::ifstream(file, std::ios::binary).read(first.data(), kBegin.size());
+    }
+    const std::string_view ending =
+        std::string_view(file).substr(file.size() - std::min<std::size_t>(file.size(), 4));
+    return sameText(fromUtf8(first), fromUtf8(kBegin)) || sameText(fromUtf8(ending), u".vcf");
 }
+
+/// The ports of a look into files: no settings, no store.
+class InspectorPorts {
+public:
+    explicit InspectorPorts(std::ostream& errors) {
+        stream = &errors;
+        app.ports.settings = &settings_;
+        app.ports.clock = &clock_;
+        app.ports.locale = &locale_;
+        app.core.GlobalSilentMode = kTrue;
+        app.core.failureListener = [](const Failure& failure, TextView, Place) {
+            *stream << toUtf8(failure.File) << ": " << failure.Number << ": "
+                    << toUtf8(failure.Description) << '\n';
+        };
+        RegDateTimeFormatGet();
+    }
+
+    InspectorPorts(const InspectorPorts&) = delete;
+    InspectorPorts& operator=(const InspectorPorts&) = delete;
+
+    ~InspectorPorts() { app = {}; }
+
+private:
+    inline static std::ostream* stream = nullptr;
+    platform::TomlSettings settings_{{}, {}, platform::TomlSettings::Mode::readOnly};
+    platform::SystemClock clock_;
+    platform::PosixLocale locale_;
+};
 
 Json cell(const Row& row, const FieldSpec& field, std::size_t i) {
     if (row.isNull(i)) {
@@ -67,17 +99,16 @@ Json errorOf(const std::optional<Failure>& failure) {
     if (!failure) {
         return nullptr;
     }
-    Json error{{"number", failure->Number}, {"description", toUtf8(failure->Description)}};
-    if (failure->Line > 0) {
-        error["line"] = failure->Line;
-    }
-    return error;
+    return {{"number", failure->Number}, {"description", toUtf8(failure->Description)}};
 }
 
 Json documentOf(const std::string& file, const std::string& bytes, std::optional<Failure> failure,
                 bool emit) {
     Table<Calendar> row;
     vCalCreateNewRecord(row);
+    if (!failure && bytes.empty()) {
+        failure = Failure(failure_number::kServerFailed, u"The object is empty");
+    }
     if (!failure) {
         const auto unread =
             attempt([&] { failure = readCalendarObject(row, textOfBytes(bytes), fromUtf8(file)); });
@@ -91,7 +122,9 @@ Json documentOf(const std::string& file, const std::string& bytes, std::optional
         std::string object;
         const auto unsent = attempt([&] {
             vcalTextCheck(row);
-            object = toUtf8(calendarObject(row));
+            const Text text = calendarObject(row);
+            static_cast<void>(bytesOfText(text)); // throws for what could not be sent
+            object = toUtf8(text);
         });
         document["object"] = unsent ? Json() : Json(object);
     }
@@ -102,14 +135,7 @@ Json documentOf(const std::string& file, const std::string& bytes, std::optional
 
 int inspect(const std::vector<std::string>& files, bool emit, std::ostream& out,
             std::ostream& errors) {
-    platform::PosixLocale locale;
-    platform::TomlSettings noSettings({}, {}, platform::TomlSettings::Mode::readOnly);
-    platform::SystemClock clock;
-    app.ports.settings = &noSettings;
-    app.ports.clock = &clock;
-    app.ports.locale = &locale;
-    app.core.GlobalSilentMode = kTrue;
-    RegDateTimeFormatGet();
+    const InspectorPorts ports(errors);
     if (const auto card = std::ranges::find_if(files, isCard); card != files.end()) {
         errors << *card << " is a card; cards are not available in this version\n";
         return 2;
@@ -126,7 +152,6 @@ int inspect(const std::vector<std::string>& files, bool emit, std::ostream& out,
         allRead = allRead && document["ok"] == true;
         out << document.dump(-1, ' ', false, Json::error_handler_t::replace) << '\n';
     }
-    app = {};
     return allRead ? 0 : 1;
 }
 

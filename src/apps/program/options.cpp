@@ -58,9 +58,14 @@ std::vector<std::string> takeFiles(const std::vector<std::string>& arguments, Op
             options.files.push_back(argument);
             continue;
         }
-        options.inspect = options.inspect || lower(argument) == "--inspect";
-        if (lower(argument) != "--inspect") {
+        const std::string name = lower(argument.substr(0, argument.find('=')));
+        if (name != "--inspect") {
             rest.push_back(argument);
+            continue;
+        }
+        options.inspect = true;
+        if (argument.size() > name.size()) {
+            options.files.push_back(argument.substr(name.size() + 1));
         }
     }
     return rest;

@@ -286,11 +286,11 @@ int runProgram(const std::string& programPath, const std::vector<std::string>& a
         return *parsed.exit;
     }
     const Options& options = parsed.options;
-    if (options.inspect) {
-        return inspect(options.files, options.emit, out, errors);
-    }
     if (!options.quiet) {
         warnOfUnknownWords(options, errors);
+    }
+    if (options.inspect) {
+        return inspect(options.files, options.emit, out, errors);
     }
     if (const auto status = endsAtOnce(options, errors)) {
         return *status;

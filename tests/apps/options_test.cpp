@@ -1,0 +1,92 @@
+#include "apps/program/options.h"
+
+#include "support/printing.h"
+
+#include <doctest/doctest.h>
+
+using namespace tandolin::program;
+
+namespace {
+
+struct Case {
+    const char* name;
+    std::vector<std::string> arguments;
+    bool (*holds)(const Options& options);
+};
+
+} // namespace
+
+TEST_CASE("Options in any case and place, with a blank or an equals sign") {
+    for (const Case& c : std::vector<Case>{
+             {"behind the word",
+              {"VCAL", "--phone", "dir:p"},
+              [](const Options& o) { return o.phone == "dir:p" && o.words.size() == 1; }},
+             {"equals sign, any case",
+              {"--PHONE=dir:p", "VCAL"},
+              [](const Options& o) { return o.phone == "dir:p"; }},
+             {"the value keeps its case and its signs",
+              {"--Organizer", "folder:/A b?calendar=X"},
+              [](const Options& o) { return o.organizer == "folder:/A b?calendar=X"; }},
+             {"several settings",
+              {"--set", "SyncTyp=1", "VCAL", "--set=SyncEintraegevonbis=a=b"},
+              [](const Options& o) {
+                  return o.settings.size() == 2 && o.settings[1].second == "a=b" &&
+                         o.words == std::vector<std::string>{"VCAL"};
+              }},
+             {"an empty value",
+              {"--set", "HomeDir="},
+              [](const Options& o) { return o.settings[0].second.empty(); }},
+             {"flags",
+              {"--dry-run", "--JSON", "--accept-empty-phone", "--no-backup", "--quiet"},
+              [](const Options& o) {
+                  return o.dryRun && o.json && o.acceptEmptyPhone && o.noBackup && o.quiet;
+              }},
+             {"no limit", {"VCAL"}, [](const Options& o) { return o.maxRemove < 0; }},
+             {"all is no limit",
+              {"--max-remove", "ALL"},
+              [](const Options& o) { return o.maxRemove < 0; }},
+             {"none may go", {"--max-remove=0"}, [](const Options& o) { return o.maxRemove == 0; }},
+             {"the answer in any case",
+              {"--answer", "YES"},
+              [](const Options& o) { return o.answer == "yes"; }},
+             {"files behind --inspect",
+              {"--emit", "--Inspect", "a.vcs", "--json", "VCAL"},
+              [](const Options& o) {
+                  return o.inspect && o.emit && o.json && o.words.empty() &&
+                         o.files == std::vector<std::string>{"a.vcs", "VCAL"};
+              }},
+         }) {
+        CAPTURE(c.name);
+        const Parsed parsed = parseOptions(c.arguments);
+        CHECK_FALSE(parsed.exit.has_value());
+        CHECK(c.holds(parsed.options));
+    }
+}
+
+TEST_CASE("What ends the program at once") {
+    struct End {
+        std::vector<std::string> arguments;
+        int exit;
+        const char* words;
+    };
+
+    for (const End& e : std::vector<End>{
+             {{"--help"}, 0, "--max-remove"},
+             {{"VCAL", "--VERSION"}, 0, "halverntandolin "},
+             {{"--unknown"}, 2, "--unknown"},
+             {{"--phone"}, 2, "--phone"},
+             {{"--set", "SyncTyp"}, 2, "NAME=VALUE"},
+             {{"--max-remove", "-1"}, 2, "--max-remove"},
+             {{"--max-remove", "9999999999"}, 2, "--max-remove"},
+             {{"--answer", "perhaps"}, 2, "perhaps"},
+             {{"--inspect"}, 2, "--inspect"},
+             {{"--Restore", "DIR"}, 2, "not available"},
+             {{"--list-ports"}, 2, "not available"},
+         }) {
+        CAPTURE(e.words);
+        const Parsed parsed = parseOptions(e.arguments);
+        CHECK(parsed.exit == e.exit);
+        CHECK(parsed.textIsHelp == (e.exit == 0));
+        CHECK(parsed.text.find(e.words) != std::string::npos);
+    }
+}

@@ -1,0 +1,187 @@
+#include "log/log_model.h"
+
+#include "support/fresh_program.h"
+
+#include <doctest/doctest.h>
+
+#include <array>
+
+using namespace tandolin;
+using namespace tandolin::testing;
+
+namespace {
+
+constexpr Place kHere{u"QELOutlook", u"WriteOutlookEntry"};
+
+struct Program : FreshProgram {
+    Table<Calendar> entry;
+
+    Program() {
+        LogInit();
+        app.core.GlobalADOAvailable = kTrue;
+        vCalCreateNewRecord(entry);
+        entry.set(cal::StartDate, at(2026, 11, 24));
+        entry.set(cal::StartTime, u"09:30");
+        entry.set(cal::Text, u"Zahnarzt");
+        entry.set(cal::Typ, u"");
+        app.log.LogTransfer = u"Mobile";
+        app.log.LogAction = u"erstellt";
+    }
+
+    void log(const Failure& failure = {}) { LogTransferEntry(entry, failure, kHere); }
+};
+
+const Table<CalendarLog>& lastRow() {
+    logTables.calendar.setAbsolutePosition(logTables.calendar.recordCount());
+    return logTables.calendar;
+}
+
+} // namespace
+
+TEST_CASE("A transferred entry is one row") {
+    Program program;
+    program.log();
+    const Table<CalendarLog>& row = lastRow();
+    CHECK(row[callog::Transfer] == u"Mobile");
+    CHECK(row[callog::Action] == u"erstellt");
+    CHECK(row[callog::SynchDate] == program.clock.moment);
+    CHECK(row[callog::Date] == at(2026, 11, 24));
+    CHECK(row[callog::Time] == timeOfDay(at(2026, 1, 1, 9, 30)));
+    CHECK(row[callog::Text] == u"Zahnarzt");
+    CHECK(row[callog::Error] == u"Nein");
+    CHECK(row[callog::ErrorDesc].empty());
+}
+
+TEST_CASE("The kind in words; an unknown kind keeps that of the entry before") {
+    Program program;
+
+    struct Kind {
+        TextView typ;
+        TextView words;
+    };
+
+    for (const Kind& kind : std::to_array<Kind>({{u"", u"Notiz"},
+                                                 {u"1", u"Besprechung"},
+                                                 {u"2", u"Geburtstag"},
+                                                 {u"7", u"Geburtstag"},
+                                                 {u"3", u"Anruf"},
+                                                 {u"x", u"Anruf"},
+                                                 {u"", u"Notiz"}})) {
+        program.entry.set(cal::Typ, kind.typ);
+        program.log();
+        CAPTURE(toUtf8(kind.typ));
+        CHECK(lastRow()[callog::Typ] == kind.words);
+    }
+}
+
+TEST_CASE("What counts as a failed row, and what becomes of the error flag") {
+    struct Case {
+        const char* name;
+        Failure failure;
+        bool autoSync;
+        bool flagBefore;
+        TextView error;
+        TextView description;
+        bool flagAfter;
+    };
+
+    for (const Case& c : std::to_array<Case>({
+             {"done", {}, false, true, u"Nein", u"", false},
+             {"done in a bulk run leaves the flag", {}, true, true, u"Nein", u"", true},
+             {"failed", {-5, u"voll"}, false, false, u"Ja", u"voll-5", true},
+             {"failed in a bulk run", {-5, u"voll"}, true, false, u"Ja", u"voll-5", true},
+             {"the description decides, not the number",
+              {-5, u""},
+              false,
+              true,
+              u"Nein",
+              u"",
+              false},
+             {"a description without a number", {0, u"voll"}, false, false, u"Ja", u"voll0", true},
+         })) {
+        CAPTURE(c.name);
+        Program program;
+        app.sync.AutoSyncRunning = flagOf(c.autoSync);
+        app.log.LogErrorFlag = flagOf(c.flagBefore);
+        program.log(c.failure);
+        CHECK(lastRow()[callog::Error] == c.error);
+        CHECK(lastRow()[callog::ErrorDesc] == c.description);
+        CHECK(app.log.LogErrorFlag == flagOf(c.flagAfter));
+        CHECK(app.log.LogTransferFehler == (c.error == u"Ja" ? 1 : 0));
+        CHECK(program.screen.boxesShown.empty()); // the run is silent
+    }
+}
+
+TEST_CASE("The failure box of a run with a window") {
+    Program program;
+    app.core.GlobalSilentMode = kFalse;
+    app.core.applicationTitle = u"HalvernTandolin";
+    SUBCASE("a single write") {
+        program.log({-5, u"voll", u"store"});
+        REQUIRE(program.screen.boxesShown.size() == 1);
+        CHECK(holdsText(program.screen.boxesShown.front(), u"-5"));
+        CHECK(holdsText(program.screen.boxesShown.front(), u"voll"));
+        CHECK(holdsText(program.screen.boxesShown.front(), u":QELOutlook:WriteOutlookEntry"));
+    }
+    SUBCASE("never within a bulk run") {
+        app.sync.GlobalTransferActive = kTrue;
+        program.log({-5, u"voll"});
+        CHECK(program.screen.boxesShown.empty());
+    }
+}
+
+TEST_CASE("The first moment stays, the last one follows") {
+    Program program;
+    program.log();
+    program.clock.moment = at(2026, 11, 22, 11, 0, 30);
+    program.log();
+    CHECK(app.log.LogStartTime == u"10:00:00");
+    CHECK(app.log.LogEndTime == u"11:00:30");
+    CHECK(app.log.LogDate == u"22.11.2026");
+}
+
+TEST_CASE("A program failure is one line of the error log") {
+    const Program program;
+    Failure failure(-1993, u"a\r\nb");
+    LogProgramError(failure, u"c\r\nd", {u"vCal", u"ParsEntryFromMobile"});
+    Table<ErrorLog>& log = logTables.errors;
+    CHECK(log[errlog::ErrorNum] == u"-1993");
+    CHECK(log[errlog::ErrorDesc] == u"c d : a b");
+    CHECK(log[errlog::Modul] == u"vCal");
+    CHECK(log[errlog::Proc] == u"ParsEntryFromMobile");
+    CHECK(app.core.GlobalProgramFehler == 1);
+    CHECK(failureOnOneLine(failure, u"") == u"a b");
+    CHECK(failureOnOneLine({1, u""}, u"c") == u"c");
+    app.core.GlobalADOAvailable = kFalse; // before the tables are there nothing is kept
+    LogProgramError(failure, u"", {u"vCal", u"ParsEntryFromMobile"});
+    CHECK(log.recordCount() == 1);
+    CHECK(app.core.GlobalProgramFehler == 1);
+}
+
+TEST_CASE("Transfers are counted by side and action, failed ones not") {
+    Program program;
+
+    struct Row {
+        TextView transfer;
+        TextView action;
+        bool failed;
+    };
+
+    for (const Row& row : std::to_array<Row>({{u"Mobile", u"erstellt", false},
+                                              {u"Mobile", u"geändert", false},
+                                              {u"Mobile", u"erstellt", true},
+                                              {u"Mobile", u"gelöscht", false},
+                                              {u"PIM", u"erstellt", false},
+                                              {u"PIM", u"erstellt", true},
+                                              {u"PIM", u"gelöscht", false},
+                                              {u"PIM", u"gelöscht", false}})) {
+        app.log.LogTransfer = row.transfer;
+        app.log.LogAction = row.action;
+        program.log(row.failed ? Failure(1, u"x") : Failure{});
+    }
+    const TransferCounts counts = countTransfers();
+    CHECK(counts.phoneWritten == 2);
+    CHECK(counts.phoneRemoved == 1);
+    CHECK(counts.organizerWritten == 1);
+    CHECK(counts.organizerRemoved == 2);
+}

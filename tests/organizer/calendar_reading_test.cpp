@@ -1,0 +1,158 @@
+#include "organizer/calendar_reading.h"
+
+#include "organizer/clear_organizer.h"
+#include "organizer/organizer_world.h"
+
+#include <doctest/doctest.h>
+
+using namespace tandolin;
+using namespace tandolin::testing;
+
+namespace {
+
+void phoneWasRead() {
+    app.phone.vCalRead = kTrue;
+    app.phone.vCalEntryCount = static_cast<std::int16_t>(tables.RSCalendar.recordCount());
+}
+
+} // namespace
+
+TEST_CASE("A series of many occurrences is one row, at its first one in the frame") {
+    OrganizerWorld world;
+    world.organizer.makeSeries(world.organizer.add(u"s", at(2026, 10, 1, 8), u"Serie"),
+                               OlRecurrence::daily);
+    world.organizer.add(u"a", at(2026, 11, 20, 9), u"vorher");
+    world.organizer.add(u"b", at(2026, 12, 31, 23), u"zuletzt");
+    world.organizer.add(u"c", at(2027, 1, 1, 0), u"danach");
+    CHECK(SilentvCalReadOutlook(tables.RSCalendar));
+    CHECK(rowsOf(tables.RSCalendar) == u"Serie/1 zuletzt/1 ");
+    CHECK(app.organizer.vCalPIMCount == 2);
+    CHECK(app.organizer.vCalPIMRead == kTrue);
+    tables.RSCalendar.MoveFirst();
+    CHECK(tables.RSCalendar[cal::StartDate] == at(2026, 11, 21));
+    CHECK(tables.RSCalendar[cal::PIMRecPatt] == at(2026, 10, 1));
+    CHECK(tables.RSCalendarWork.isEmpty());
+}
+
+TEST_CASE("Items are paired only where the phone was read and holds something") {
+    OrganizerWorld world;
+    world.organizer.add(u"a", at(2026, 11, 24, 9), u"ZAHNARZT");
+    phoneRow(at(2026, 11, 24, 9), u"Zahnarzt");
+    SUBCASE("read") {
+        phoneWasRead();
+        CHECK(SilentvCalReadOutlook(tables.RSCalendar));
+        CHECK(rowsOf(tables.RSCalendar) == u"Zahnarzt/3 ");
+        CHECK(tables.RSCalendar[cal::UID] == u"a");
+        CHECK(tables.RSCalendar[cal::PIMText] == u"ZAHNARZT");
+        CHECK(tables.RSCalendar[cal::EntryID] == u"1");
+    }
+    SUBCASE("not read") {
+        CHECK(SilentvCalReadOutlook(tables.RSCalendar));
+        CHECK(rowsOf(tables.RSCalendar) == u"Zahnarzt/2 ZAHNARZT/1 ");
+    }
+}
+
+TEST_CASE("A second read begins anew") {
+    OrganizerWorld world;
+    world.organizer.add(u"a", at(2026, 11, 24, 9), u"A");
+    phoneRow(at(2026, 11, 24, 9), u"A");
+    phoneWasRead();
+    CHECK(SilentvCalReadOutlook(tables.RSCalendar));
+    world.organizer.items.clear();
+    world.organizer.add(u"b", at(2026, 11, 25, 9), u"B");
+    CHECK(vCalReadOutlook(tables.RSCalendar, true));
+    CHECK(rowsOf(tables.RSCalendar) == u"A/2 B/1 ");
+    CHECK(app.organizer.vCalPIMCount == 1);
+}
+
+TEST_CASE("Time frame 1 stops at its number and cuts the frame to what was read") {
+    OrganizerWorld world;
+    for (const int day : {22, 23, 24}) {
+        world.organizer.add(u"u" + decimal(day), at(2026, 11, day, 9), u"T" + decimal(day))
+            .MeetingStatus = day == 22 ? 1 : 0;
+    }
+    app.settings.SyncZeitraum = 1;
+    app.settings.SyncAlarmAnzahl = 1;
+    app.settings.SyncTermine = 1;
+    app.settings.SyncTyp = 2;
+    app.sync.AutoSyncRunning = kTrue;
+    SUBCASE("kinds that are not selected come along and do not count") {
+        CHECK(SilentvCalReadOutlook(tables.RSCalendar));
+        CHECK(rowsOf(tables.RSCalendar) == u"T22/1 T23/1 ");
+        CHECK(app.sync.DateFrameTo == at(2026, 11, 23, 23, 59, 59));
+    }
+    SUBCASE("mode 3 knows no number") {
+        app.settings.SyncTyp = 3;
+        CHECK(SilentvCalReadOutlook(tables.RSCalendar));
+        CHECK(tables.RSCalendar.recordCount() == 3);
+        CHECK(app.sync.DateFrameTo == at(2026, 12, 31, 23, 59, 59));
+    }
+}
+
+TEST_CASE("A read that fails says so; without an organizer nothing is read") {
+    OrganizerWorld world;
+    world.organizer.add(u"a", at(2026, 11, 24, 9), u"A");
+    SUBCASE("the folder, the search, the next item") {
+        for (const std::size_t call : {1U, 2U, 3U, 4U}) {
+            world.organizer.calls.clear();
+            world.organizer.fault.call = call;
+            CHECK_FALSE(SilentvCalReadOutlook(tables.RSCalendar));
+            CHECK(app.core.GlobalProgramFehler == static_cast<std::int16_t>(call));
+            tables.clearAll();
+        }
+        CHECK(app.organizer.vCalPIMRead == kFalse);
+    }
+    SUBCASE("no organizer") {
+        app.organizer.OrganizerPresent = kFalse;
+        CHECK_FALSE(SilentvCalReadOutlook(tables.RSCalendar));
+        CHECK(world.organizer.calls.empty());
+    }
+}
+
+TEST_CASE("TestOLCalFolder") {
+    OrganizerWorld world;
+    CHECK(TestOLCalFolder());
+    world.organizer.fault.call = 2;
+    CHECK_FALSE(TestOLCalFolder());
+    CHECK(holdsText(logTables.errors[errlog::ErrorDesc], u"Fehler im Termineordner! scripted"));
+    app.organizer.MOL.reset();
+    app.organizer.absentReason = u"nobody named one";
+    CHECK_FALSE(TestOLCalFolder());
+    CHECK(logTables.errors[errlog::ErrorNum] == u"-1987");
+    CHECK(holdsText(logTables.errors[errlog::ErrorDesc], u"nobody named one"));
+}
+
+TEST_CASE("ClearOutlookFromGrid takes the organizer's side out") {
+    const OrganizerWorld world;
+
+    struct Sides {
+        const char16_t* text;
+        Date start;
+        bool phone;
+        bool organizer;
+    };
+
+    for (const Sides& s : std::to_array<Sides>({{u"o1", at(2026, 11, 24), false, true},
+                                                {u"o2", at(2026, 11, 24), false, true},
+                                                {u"p", at(2026, 11, 24), true, false},
+                                                {u"in", at(2026, 11, 24), true, true},
+                                                {u"out", at(2027, 11, 24), true, true},
+                                                {u"o3", at(2027, 11, 24), false, true}})) {
+        Table<Calendar>& row = phoneRow(s.start, s.text);
+        row.set(cal::Mobile, s.phone);
+        row.set(cal::PIM, s.organizer);
+        row.set(cal::EntryType, s.phone && s.organizer ? 3 : (s.phone ? 2 : 1));
+        row.set(cal::creafromMob, true);
+    }
+    app.organizer.vCalPIMCount = 5;
+    SUBCASE("whole") {
+        ClearOutlookFromGrid(tables.RSCalendar, false);
+        CHECK(rowsOf(tables.RSCalendar) == u"p/2 in/2 out/2 ");
+    }
+    SUBCASE("rows beyond the displayed period keep their pairing") {
+        ClearOutlookFromGrid(tables.RSCalendar, true);
+        CHECK(rowsOf(tables.RSCalendar) == u"p/2 in/2 out/3 ");
+    }
+    CHECK(app.organizer.vCalPIMCount == 0);
+    CHECK(app.organizer.vCalPIMRead == kFalse);
+}

@@ -1,0 +1,163 @@
+#include "organizer/calendar_writing.h"
+
+#include "organizer/organizer_world.h"
+
+#include <doctest/doctest.h>
+
+using namespace tandolin;
+using namespace tandolin::testing;
+
+namespace {
+
+Table<Calendar>& rowToWrite(Date start, TextView text) {
+    Table<Calendar>& row = phoneRow(start, text);
+    row.set(cal::PIM, true);
+    row.set(cal::EntryType, CONST_ENTRY_vCAL_BOTH);
+    return row;
+}
+
+const AppointmentFacts& written(const OrganizerWorld& world) {
+    REQUIRE(world.organizer.items.contains(u"new-1"));
+    return world.organizer.items.at(u"new-1");
+}
+
+} // namespace
+
+TEST_CASE("A new item has what the row has") {
+    OrganizerWorld world;
+    Table<Calendar>& row = rowToWrite(at(2026, 11, 24, 9), u"Zahnarzt, cut");
+    row.set(cal::PIMText, u"Zahnarzt, whole");
+    SUBCASE("plain") {
+        CHECK(WriteOutlookEntry(row));
+        CHECK(written(world).Subject == u"Zahnarzt, whole");
+        CHECK(written(world).Start == at(2026, 11, 24, 9));
+        CHECK(written(world).End == at(2026, 11, 24, 10, 30));
+        CHECK(written(world).MeetingStatus == 0);
+        CHECK_FALSE(written(world).ReminderSet);
+        CHECK_FALSE(written(world).IsRecurring);
+    }
+    SUBCASE("a meeting with a reminder") {
+        row.set(cal::Typ, u"1");
+        row.set(cal::Alarm, true);
+        CHECK(WriteOutlookEntry(row));
+        CHECK(written(world).MeetingStatus == 1);
+        CHECK(written(world).ReminderSet);
+    }
+    SUBCASE("an end before the start becomes the start") {
+        row.set(cal::EndDate, at(2026, 11, 23));
+        CHECK(WriteOutlookEntry(row));
+        CHECK(written(world).End == written(world).Start);
+    }
+    CHECK(row[cal::UID] == u"new-1");
+    CHECK(row[cal::EntryID] == u"1"); // the phone's number stays its key
+    CHECK(row[cal::CreationDate] == Date{46000});
+    CHECK(app.organizer.vCalPIMCount == 1);
+    CHECK(app.organizer.vCalPIMRead == kTrue);
+    CHECK(logTables.calendar[callog::Transfer] == u"PIM");
+    CHECK(logTables.calendar[callog::Action] == u"erstellt");
+    CHECK(logTables.calendar[callog::Error] == u"Nein");
+}
+
+TEST_CASE("A row without the phone's side takes the item's identifier as its key") {
+    OrganizerWorld world;
+    Table<Calendar>& row = rowToWrite(at(2026, 11, 24, 9), u"A");
+    row.set(cal::Mobile, false);
+    CHECK(WriteOutlookEntry(row));
+    CHECK(row[cal::EntryID] == u"new-1");
+}
+
+TEST_CASE("A new series starts at its anchor, not at the date that is shown") {
+    struct Case {
+        const char* name;
+        TextView kind;
+        Date anchor;
+        std::int64_t interval;
+        std::int64_t mask;
+        std::int64_t dayOfMonth;
+        RecurrencePattern pattern;
+    };
+
+    const Date anchor = at(2026, 1, 5);
+    for (const Case& c : std::to_array<Case>({
+             {"weekly on two days",
+              u"W",
+              anchor,
+              1,
+              2 + 8,
+              0,
+              {OlRecurrence::weekly, 1, 10, 0, anchor}},
+             {"a day named twice",
+              u"W",
+              anchor,
+              1,
+              128 + 2,
+              0,
+              {OlRecurrence::weekly, 1, 2, 0, anchor}},
+             {"weekly without a day: the day shown",
+              u"W",
+              anchor,
+              1,
+              0,
+              0,
+              {OlRecurrence::weekly, 1, 4, 0, anchor}},
+             {"monthly", u"M", anchor, 1, 0, 17, {OlRecurrence::monthly, 1, 0, 17, anchor}},
+             {"monthly without a day",
+              u"M",
+              anchor,
+              1,
+              0,
+              0,
+              {OlRecurrence::monthly, 1, 0, 5, anchor}},
+             {"yearly", u"Y", anchor, 1, 0, 0, {OlRecurrence::yearly, 1, 0, 0, anchor}},
+             {"every third day", u"D", anchor, 3, 0, 0, {OlRecurrence::daily, 3, 0, 0, anchor}},
+             {"without an anchor",
+              u"D",
+              Date{0},
+              1,
+              0,
+              0,
+              {OlRecurrence::daily, 1, 0, 0, at(2026, 11, 24)}},
+         })) {
+        CAPTURE(c.name);
+        OrganizerWorld world;
+        Table<Calendar>& row = rowToWrite(at(2026, 11, 24, 9), u"Serie"); // a Tuesday
+        makeSeries(row, c.kind, c.anchor);
+        row.set(cal::PimRecPattString, u"");
+        row.set(cal::RecurrenceIntervall, c.interval);
+        row.set(cal::WeekDayMask, c.mask);
+        row.set(cal::DayOfMonth, c.dayOfMonth);
+        CHECK(WriteOutlookEntry(row));
+        const AppointmentFacts& item = written(world);
+        const Date start = atTime(c.pattern.PatternStartDate, at(2026, 1, 1, 9));
+        CHECK(item.IsRecurring);
+        CHECK(item.Pattern == c.pattern);
+        CHECK(item.Start == start);
+        CHECK(item.End == dateFromSeconds(start.seconds() + 5400));
+        CHECK(row[cal::PIMRecPatt] == c.pattern.PatternStartDate);
+    }
+}
+
+TEST_CASE("Only rows with an organizer's side are written, and a failure is in the log") {
+    OrganizerWorld world;
+    Table<Calendar>& row = rowToWrite(at(2026, 11, 24, 9), u"A");
+    SUBCASE("no such side") {
+        row.set(cal::PIM, false);
+        CHECK_FALSE(WriteOutlookEntry(row));
+        CHECK(logTables.calendar.isEmpty());
+    }
+    SUBCASE("no organizer") {
+        app.organizer.OrganizerPresent = kFalse;
+        CHECK_FALSE(WriteOutlookEntry(row));
+    }
+    SUBCASE("the disk is full") {
+        world.organizer.fault = {3, {failure_number::kDiskFull, u"full"}, false}; // its Save
+        CHECK_FALSE(WriteOutlookEntry(row));
+        CHECK(logTables.calendar[callog::Error] == u"Ja");
+        CHECK(logTables.calendar[callog::ErrorDesc] == u"full61");
+        CHECK(app.run.diskFull);
+        CHECK(app.log.LogTransferFehler == 1);
+    }
+    CHECK(world.organizer.items.empty());
+    CHECK(row[cal::UID].empty());
+    CHECK(app.organizer.vCalPIMCount == 0);
+}
