@@ -104,6 +104,11 @@ Text fromUtf8(std::string_view bytes) {
     Text text;
     text.reserve(bytes.size());
     for (std::size_t i = 0; i < bytes.size();) {
+        if (const auto byte = static_cast<unsigned char>(bytes[i]); byte < 0x80) {
+            text += static_cast<char16_t>(byte);
+            ++i;
+            continue;
+        }
         const Decoded one = decodeOne(bytes, i);
         if (one.codePoint >= 0x10000) {
             text += static_cast<char16_t>(0xD7C0 + (one.codePoint >> 10U));
@@ -144,6 +149,10 @@ std::string toUtf8(TextView text) {
 
 bool isUtf8(std::string_view bytes) {
     for (std::size_t i = 0; i < bytes.size();) {
+        if (static_cast<unsigned char>(bytes[i]) < 0x80) {
+            ++i;
+            continue;
+        }
         const Decoded one = decodeOne(bytes, i);
         if (!one.valid) {
             return false;

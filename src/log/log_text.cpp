@@ -43,13 +43,13 @@ Text blockOf(TableCore& table, std::span<const StringId> titles) {
         return block;
     }
     for (const StringId title : titles) {
-        block += tr(title) + u"\t";
+        block.append(tr(title)).append(u"\t");
     }
     block += kLineBreak;
     const KeepPosition keep(table);
     for (table.MoveFirst(); !table.atEnd(); table.MoveNext()) {
         for (std::size_t i = 0; i < titles.size(); ++i) {
-            block += shownCell(table.row(), table.fields(), i) + u"\t";
+            block.append(shownCell(table.row(), table.fields(), i)).append(u"\t");
         }
         block += kLineBreak;
     }
@@ -88,10 +88,11 @@ void logWriteFile() {
     trapped({kModule, u"logWriteFile"}, [] {
         const LogBlocks blocks = logGridZusammensetzung();
         LogInitlogSummaryform();
-        const Text gap = Text(kLineBreak) + Text(kLineBreak);
-        app.ports.files->write(app.settings.HomeDir + u"\\logFile.rtf",
-                               app.log.summary + gap + blocks.calendar + gap + blocks.contacts +
-                                   gap + blocks.errors);
+        Text text = app.log.summary;
+        for (const Text* block : {&blocks.calendar, &blocks.contacts, &blocks.errors}) {
+            text.append(kLineBreak).append(kLineBreak).append(*block);
+        }
+        app.ports.files->write(app.settings.HomeDir + u"\\logFile.rtf", text);
     });
 }
 

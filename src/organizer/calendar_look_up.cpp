@@ -27,12 +27,15 @@ public:
     explicit LookUp(Table<Calendar>& table) : table_(table) {}
 
     void within(StartRange range) {
-        CalendarFolder& folder = calendarFolderInUse();
         // Taking an item may open it, which ends the search: the items are taken behind it.
         std::vector<AppointmentFacts> items;
+        CalendarFolder& folder = calendarFolderInUse();
+        range.seriesToo = table_[cal::IsRecurring];
         for (const AppointmentFacts* item = folder.Find(range); item != nullptr;
              item = folder.FindNext()) {
-            items.push_back(*item);
+            if (mayBeTheEntry(*item)) {
+                items.push_back(*item);
+            }
         }
         take(items);
     }
@@ -45,6 +48,15 @@ public:
     [[nodiscard]] bool heldInOtherForm() const { return heldInOtherForm_; }
 
 private:
+    /// What the rules ask first, asked before a row is made of the item: most items of an hour
+    /// are other entries.
+    [[nodiscard]] bool mayBeTheEntry(const AppointmentFacts& item) const {
+        const bool series = item.IsRecurring && item.Pattern.RecurrenceType != OlRecurrence::other;
+        return series == table_[cal::IsRecurring] &&
+               (series ? item.Pattern.PatternStartDate == wholeDay(table_[cal::PIMRecPatt])
+                       : item.Start == table_[cal::Start]);
+    }
+
     void take(const std::vector<AppointmentFacts>& items) {
         for (const AppointmentFacts& item : items) {
             if (rowIsPaired()) {
@@ -103,13 +115,16 @@ bool SearchingforaOutlookEntry(Table<Calendar>& table, bool* heldInOtherForm) {
         }
         LookUp lookUp(table);
         const Date start = table[cal::Start];
-        lookUp.within(rangeFrom(start));
         const Date anchor = table[cal::PIMRecPatt];
-        if (table[cal::IsRecurring] && anchor != Date{0} && !lookUp.rowIsPaired()) {
-            if (wholeDay(anchor) != wholeDay(start)) {
-                lookUp.within(rangeFrom(atTime(anchor, start)));
-            }
+        const bool isSeries = table[cal::IsRecurring] && anchor != Date{0};
+        if (isSeries) {
             lookUp.seriesOf(wholeDay(anchor));
+        }
+        if (!lookUp.rowIsPaired()) {
+            lookUp.within(rangeFrom(start));
+        }
+        if (isSeries && !lookUp.rowIsPaired() && wholeDay(anchor) != wholeDay(start)) {
+            lookUp.within(rangeFrom(atTime(anchor, start)));
         }
         if (heldInOtherForm != nullptr) {
             *heldInOtherForm = lookUp.heldInOtherForm();

@@ -66,8 +66,7 @@ void takeItem(Table<Calendar>& table, const AppointmentFacts& item) {
     if (phoneThere && vCalFindCompare(table, tables.RSCalendarWork, Date{0})) {
         vCalSyncOutlookEntry(table, tables.RSCalendarWork);
     } else {
-        vCalCreateNewRecord(table);
-        CopyFromRecordset(table, tables.RSCalendarWork);
+        table.AddCopy(tables.RSCalendarWork.row());
     }
 }
 

@@ -43,8 +43,7 @@ void takeIntoMainTable() {
     if (organizerThere && vCalFindCompare(main, work, Date{0})) {
         vCalSyncMobileEntry(main, work);
     } else {
-        vCalCreateNewRecord(main);
-        CopyFromRecordset(main, work);
+        main.AddCopy(work.row());
     }
     if (main[cal::IsRecurring]) {
         vCalCreateMobileSerieRecords(main);

@@ -2,19 +2,33 @@
 
 #include <algorithm>
 #include <functional>
+#include <limits>
 #include <new>
 
 namespace tandolin {
 
+/// Head of the one piece of memory that a text takes; its characters follow.
 struct SharedText::Block {
-    std::size_t holders;
-    Text text;
+    std::uint32_t holders;
+    std::uint32_t length;
+
+    [[nodiscard]] char16_t* characters() { return reinterpret_cast<char16_t*>(this + 1); }
 };
 
-SharedText::SharedText(TextView text) : block_(text.empty() ? nullptr : new Block{1, Text(text)}) {}
+SharedText::SharedText(TextView text) {
+    if (text.empty()) {
+        return;
+    }
+    if (text.size() > std::numeric_limits<std::uint32_t>::max()) {
+        throw overflowFailure();
+    }
+    void* memory = ::operator new(sizeof(Block) + text.size() * sizeof(char16_t));
+    block_ = new (memory) Block{1, static_cast<std::uint32_t>(text.size())};
+    std::ranges::copy(text, block_->characters());
+}
 
 TextView SharedText::view() const {
-    return block_ == nullptr ? TextView{} : TextView(block_->text);
+    return block_ == nullptr ? TextView{} : TextView(block_->characters(), block_->length);
 }
 
 void SharedText::hold() const {
@@ -25,7 +39,7 @@ void SharedText::hold() const {
 
 void SharedText::release() {
     if (block_ != nullptr && --block_->holders == 0) {
-        delete block_;
+        ::operator delete(block_);
     }
 }
 
@@ -128,6 +142,16 @@ void TableCore::AddNew() {
         clear(); // the slots of rows that are gone need not be kept
     }
     rows_.push_back(std::make_unique<Row>(fields_));
+    cursor_ = rows_.size() - 1;
+    ++live_;
+    enterAll(cursor_, true);
+}
+
+void TableCore::AddCopy(const Row& source) {
+    if (live_ == 0) {
+        clear();
+    }
+    rows_.push_back(std::make_unique<Row>(source));
     cursor_ = rows_.size() - 1;
     ++live_;
     enterAll(cursor_, true);

@@ -97,6 +97,10 @@ public:
     /// Adds a row with all fields null; the cursor stands on it afterwards.
     void AddNew();
 
+    /// Adds a row with the values of `source`, a row of the same layout that may belong to another
+    /// table; the cursor stands on it.
+    void AddCopy(const Row& source);
+
     /// Deletes the current row. The cursor stays where it is.
     void Delete();
 

@@ -95,10 +95,7 @@ void vCalCreateNewRecord(Table<Calendar>& table) {
         vCalClearRecurrance(one);
         return one.row();
     }();
-    trapped({kModule, u"vCalCreateNewRecord"}, [&table] {
-        table.AddNew();
-        table.assignRow(fresh);
-    });
+    trapped({kModule, u"vCalCreateNewRecord"}, [&table] { table.AddCopy(fresh); });
 }
 
 void vCalClearRecurrance(Table<Calendar>& table) {

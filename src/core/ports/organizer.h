@@ -81,6 +81,8 @@ public:
 struct StartRange {
     Date from;
     Date to;
+    /// False asks for single entries alone; a store may bring series all the same.
+    bool seriesToo = true;
 };
 
 /// The calendar folder. Failures are Failure objects; a folder or file that the system will not

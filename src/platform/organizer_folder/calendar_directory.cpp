@@ -57,10 +57,11 @@ CalendarDirectory::CalendarDirectory(const fs::path& root, const fs::path& direc
     const fs::path relative = directory_.lexically_relative(root_);
     const bool below = !relative.empty() && *relative.begin() != "..";
     labelFolder_ = (below ? relative : directory_.filename()).generic_string();
+    label_ = fromUtf8(labelFolder_ + '/');
 }
 
 Text CalendarDirectory::label(std::string_view name) const {
-    return fromUtf8(labelFolder_ + '/').append(fromUtf8(name));
+    return label_ + fromUtf8(name);
 }
 
 FileStamp CalendarDirectory::stamp() const {

@@ -59,6 +59,7 @@ private:
     std::filesystem::path root_;
     std::filesystem::path directory_;
     std::string labelFolder_;
+    Text label_; ///< the same with a slash behind it
 };
 
 } // namespace tandolin::platform

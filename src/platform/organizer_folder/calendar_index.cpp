@@ -156,11 +156,14 @@ void CalendarIndex::lookUp(const Timetable& table, Seconds from, Seconds to,
     }
 }
 
-Search::Search(CalendarIndex& index, const Zones& zones, Seconds from, Seconds to)
+Search::Search(CalendarIndex& index, const Zones& zones, Seconds from, Seconds to, bool seriesToo)
     : index_(index), zones_(zones), from_(from), to_(to), fixed_(index.fixedWithin(from, to)) {
     std::ranges::sort(fixed_, [this](const auto& a, const auto& b) {
         return later(b.start, b.item, a.start, a.item);
     });
+    if (!seriesToo) {
+        return;
+    }
     for (const std::uint32_t item : index.seriesFor(from, to)) {
         open(item);
     }

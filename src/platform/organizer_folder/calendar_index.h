@@ -88,7 +88,7 @@ private:
 /// that a rule without an end costs nothing for a range of a century.
 class Search {
 public:
-    Search(CalendarIndex& index, const Zones& zones, Seconds from, Seconds to);
+    Search(CalendarIndex& index, const Zones& zones, Seconds from, Seconds to, bool seriesToo);
 
     struct Hit {
         std::uint32_t item = 0;

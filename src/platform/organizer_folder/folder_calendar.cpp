@@ -66,7 +66,7 @@ const AppointmentFacts* FolderCalendar::Find(StartRange range) {
     const ical::Seconds to = ical::wallOf(range.to);
     search_.reset();
     ensureRead(to - from > ical::kDay);
-    search_.emplace(index_, zones_, from, to);
+    search_.emplace(index_, zones_, from, to, range.seriesToo);
     return FindNext();
 }
 
