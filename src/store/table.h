@@ -12,58 +12,14 @@
 
 #include "core/failure.h"
 #include "store/layout.h"
-#include "store/shared_text.h"
+#include "store/row.h"
+#include "store/row_index.h"
 
 #include <functional>
-#include <memory>
 #include <optional>
-#include <set>
 #include <vector>
 
 namespace tandolin {
-
-/// How two texts of a search are compared.
-enum class Compare : std::uint8_t { exact, text };
-
-/// The values of one row. Copies share their texts.
-class Row {
-public:
-    explicit Row(std::span<const FieldSpec> fields);
-    Row(const Row& other);
-    Row& operator=(const Row&) = delete;
-    ~Row();
-
-    [[nodiscard]] bool isNull(std::size_t field) const { return (set_ >> field & 1U) == 0; }
-
-    [[nodiscard]] std::int64_t number(std::size_t field) const { return cells_[field].number; }
-
-    [[nodiscard]] double real(std::size_t field) const { return cells_[field].real; }
-
-    [[nodiscard]] TextView text(std::size_t field) const { return cells_[field].text.view(); }
-
-    void setNull(std::size_t field);
-    void setNumber(std::size_t field, std::int64_t value);
-    void setReal(std::size_t field, double value);
-    void setText(std::size_t field, TextView value);
-
-    /// The cell as the other row holds it, null included. Both rows have one layout.
-    void copyCell(std::size_t field, const Row& other);
-
-private:
-    union Cell {
-        std::int64_t number;
-        double real;
-        SharedText text;
-
-        Cell() : number(0) {}
-
-        ~Cell() {}
-    };
-
-    std::span<const FieldSpec> fields_;
-    std::uint64_t set_ = 0;
-    std::unique_ptr<Cell[]> cells_;
-};
 
 /// Where a cursor stood; stays right when other rows are deleted.
 struct Bookmark {
@@ -74,12 +30,12 @@ struct Bookmark {
 /// The part of a table that does not know its layout's type.
 class TableCore {
 public:
-    explicit TableCore(std::span<const FieldSpec> fields) : fields_(fields) {}
+    explicit TableCore(const RowShape& shape) : shape_(shape) {}
 
     TableCore(const TableCore&) = delete;
     TableCore& operator=(const TableCore&) = delete;
 
-    [[nodiscard]] std::span<const FieldSpec> fields() const { return fields_; }
+    [[nodiscard]] std::span<const FieldSpec> fields() const { return shape_.fields(); }
 
     /// Rows, shown or not.
     [[nodiscard]] std::size_t recordCount() const { return live_; }
@@ -152,12 +108,6 @@ protected:
     void setText(std::size_t field, TextView value);
 
 private:
-    struct Index {
-        std::size_t field;
-        Compare compare;
-        std::set<std::pair<std::size_t, std::size_t>> slots; // hash of the value, slot
-    };
-
     struct TrueCount {
         std::size_t field;
         std::size_t count;
@@ -175,18 +125,25 @@ private:
     [[nodiscard]] Row& current();
     void skipToShown();
     [[nodiscard]] bool shown(std::size_t slot) const;
-    [[nodiscard]] std::size_t hashOf(const Row& row, const Index& index) const;
-    Index& indexFor(std::size_t field, Compare compare);
-    bool findFrom(const Index& index, std::size_t hash,
-                  const std::function<bool(const Row&)>& equal);
+    RowIndex& indexFor(std::size_t field, Compare compare);
+    template <class Value, class Equal>
+    bool findFrom(RowIndex& index, Value value, Equal equal);
+
+    [[nodiscard]] bool isWatched(std::size_t field) const { return (watched_ >> field & 1U) != 0; }
+
+    void watch(std::size_t field) { watched_ |= std::uint64_t{1} << field; }
+
+    template <class Change>
+    void change(std::size_t field, Change makeChange);
     void enter(std::size_t slot, std::size_t field, bool add);
     void enterAll(std::size_t slot, bool add);
 
-    std::span<const FieldSpec> fields_;
-    std::vector<std::unique_ptr<Row>> rows_; // a deleted row leaves its slot empty
+    const RowShape& shape_;
+    std::vector<Row> rows_; // a deleted row leaves its slot empty
     std::size_t live_ = 0;
     std::size_t cursor_ = 0;
-    std::vector<Index> indexes_;
+    std::uint64_t watched_ = 0; // fields with an index or a count
+    std::vector<RowIndex> indexes_;
     std::vector<TrueCount> counts_;
     std::vector<NumberUse> numbers_;
     std::function<bool(const Row&)> filter_;
@@ -196,7 +153,7 @@ private:
 template <class L>
 class Table : public TableCore {
 public:
-    Table() : TableCore(L::fields) {}
+    Table() : TableCore(shape()) {}
 
     /// The value of the current row's field, or nothing where it was never set. A text view lives
     /// until that field changes.
@@ -259,6 +216,11 @@ public:
     }
 
 private:
+    static const RowShape& shape() {
+        static const RowShape one(L::fields);
+        return one;
+    }
+
     template <class T>
     [[nodiscard]] bool null(Field<L, T> f) const {
         return row().isNull(f.index());

@@ -15,8 +15,7 @@ bool sameMoment(const Table<Calendar>& a, const Table<Calendar>& b) {
 
 bool NearMatches::standsFor(Table<Calendar>& table) {
     Table<Calendar> wanted;
-    wanted.AddNew();
-    CopyFromRecordset(wanted, table);
+    wanted.AddCopy(table.row());
     const bool fromOrganizer = wanted[cal::EntryType] == CONST_ENTRY_vCAL_PIM;
     const std::int32_t otherSide = fromOrganizer ? CONST_ENTRY_vCAL_MOBILE : CONST_ENTRY_vCAL_PIM;
     const auto key = wanted[cal::IsRecurring] ? cal::PimRecPattString : cal::StartAsText;
