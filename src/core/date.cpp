@@ -24,15 +24,15 @@ int daysInMonth(int year, int month) {
     return month == 2 && isLeap(year) ? 29 : kDays.at(static_cast<std::size_t>(month) - 1);
 }
 
-void putDigits(Text& text, int value, int width) {
-    Text digits(static_cast<std::size_t>(width), u'0');
-    for (int i = width - 1; i >= 0; --i, value /= 10) {
-        digits[static_cast<std::size_t>(i)] = static_cast<char16_t>(u'0' + value % 10);
-    }
-    text += digits;
-}
-
 } // namespace
+
+void putDigits(Text& text, int value, int width) {
+    std::array<char16_t, 8> digits{};
+    for (int i = width; i-- > 0; value /= 10) {
+        digits.at(static_cast<std::size_t>(i)) = static_cast<char16_t>(u'0' + value % 10);
+    }
+    text.append(digits.data(), static_cast<std::size_t>(width));
+}
 
 std::optional<Date> dateOf(const Civil& c) {
     const bool real = c.year >= 100 && c.year <= 9999 && c.month >= 1 && c.month <= 12 &&

@@ -83,6 +83,9 @@ std::int64_t daysBetween(Date from, Date to);
 /// Minute boundaries crossed from `from` to `to`.
 std::int64_t minutesBetween(Date from, Date to);
 
+/// Appends a number that is not negative with exactly `width` digits, at most eight.
+void putDigits(Text& text, int value, int width);
+
 /// "2026-11-21T09:00:00".
 Text isoDateTime(Date date);
 

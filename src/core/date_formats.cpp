@@ -1,6 +1,7 @@
 #include "core/date_formats.h"
 
 #include <algorithm>
+#include <vector>
 
 namespace tandolin {
 
@@ -45,6 +46,30 @@ std::optional<Token> takeToken(TextView& format, TextView letters) {
     }
     return token;
 }
+
+/// The tokens of a format. Those of the format used last are kept: a table shows thousands of dates
+/// in one form.
+class Tokens {
+public:
+    explicit Tokens(TextView letters) : letters_(letters) {}
+
+    const std::vector<Token>& of(TextView format) {
+        if (tokens_.empty() || format != format_) {
+            format_ = format;
+            tokens_.clear();
+            TextView rest = format_;
+            while (const auto token = takeToken(rest, letters_)) {
+                tokens_.push_back(*token);
+            }
+        }
+        return tokens_;
+    }
+
+private:
+    TextView letters_;
+    Text format_;
+    std::vector<Token> tokens_;
+};
 
 std::ptrdiff_t countOf(TextView format, TextView letters, char16_t letter) {
     std::ptrdiff_t count = 0;
@@ -225,45 +250,48 @@ Text withoutSeconds(TextView timeFormat) {
 }
 
 Text dateInFormat(Date date, TextView format) {
+    static Tokens tokens(kDateLetters);
     const Civil civil = civilOf(date);
     Text text;
-    while (const auto token = takeToken(format, kDateLetters)) {
-        if (token->letter == 0) {
-            text += token->literal;
-        } else if (token->letter == u'y') {
-            const bool full = token->length > 2;
+    for (const Token& token : tokens.of(format)) {
+        if (token.letter == 0) {
+            text += token.literal;
+        } else if (token.letter == u'y') {
+            const bool full = token.length > 2;
             putNumber(text, full ? civil.year : civil.year % 100, full ? 4 : 2);
-        } else if (token->length > 2) {
-            text.append(token->length, token->letter);
+        } else if (token.length > 2) {
+            text.append(token.length, token.letter);
         } else {
-            putNumber(text, token->letter == u'd' ? civil.day : civil.month, token->length);
+            putNumber(text, token.letter == u'd' ? civil.day : civil.month, token.length);
         }
     }
     return text;
 }
 
 Text timeInFormat(Date time, TextView format, DayHalves halves) {
+    static Tokens kept(kTimeLetters);
+    const std::vector<Token>& tokens = kept.of(format);
     const Civil civil = civilOf(time);
-    const bool twelveHours = countOf(format, kTimeLetters, u't') > 0;
+    const bool twelveHours = std::ranges::find(tokens, u't', &Token::letter) != tokens.end();
     const int hour = twelveHours ? (civil.hour + 11) % 12 + 1 : civil.hour;
     halves = spoken(halves);
     Text text;
-    while (const auto token = takeToken(format, kTimeLetters)) {
-        switch (token->letter) {
+    for (const Token& token : tokens) {
+        switch (token.letter) {
         case u'h':
-            putNumber(text, hour, token->length);
+            putNumber(text, hour, token.length);
             break;
         case u'm':
-            putNumber(text, civil.minute, token->length);
+            putNumber(text, civil.minute, token.length);
             break;
         case u's':
-            putNumber(text, civil.second, token->length);
+            putNumber(text, civil.second, token.length);
             break;
         case u't':
             text += civil.hour < 12 ? halves.morning : halves.evening;
             break;
         default:
-            text += token->literal;
+            text += token.literal;
         }
     }
     return text;

@@ -144,11 +144,23 @@ Text formatTime(Date time) {
 }
 
 Text dateAsText(Date date) {
-    Text text = dateInFormat(date, kGermanFormat);
-    const std::int64_t seconds = timeOfDay(date).seconds();
-    if (seconds != 0) {
+    // Composed by hand: it is made several times for each row.
+    const Civil c = civilOf(date);
+    Text text;
+    putDigits(text, c.day, 2);
+    text += u'.';
+    putDigits(text, c.month, 2);
+    text += u'.';
+    putDigits(text, c.year, 4);
+    if (c.hour != 0 || c.minute != 0 || c.second != 0) {
         text += u' ';
-        text += timeInFormat(date, seconds % 60 != 0 ? u"hh:mm:ss" : u"hh:mm", {});
+        putDigits(text, c.hour, 2);
+        text += u':';
+        putDigits(text, c.minute, 2);
+    }
+    if (c.second != 0) {
+        text += u':';
+        putDigits(text, c.second, 2);
     }
     return text;
 }

@@ -3,6 +3,7 @@
 #include "core/failure.h"
 
 #include <algorithm>
+#include <iterator>
 #include <limits>
 
 namespace tandolin {
@@ -100,10 +101,17 @@ bool isDigit(char16_t c) {
 
 } // namespace
 
+// Most texts are ASCII from end to end: they are widened and narrowed in one go.
+
 Text fromUtf8(std::string_view bytes) {
-    Text text;
+    const auto ascii = std::ranges::find_if(
+        bytes, [](char byte) { return static_cast<unsigned char>(byte) >= 0x80; });
+    Text text(bytes.begin(), ascii);
+    if (ascii == bytes.end()) {
+        return text;
+    }
     text.reserve(bytes.size());
-    for (std::size_t i = 0; i < bytes.size();) {
+    for (std::size_t i = text.size(); i < bytes.size();) {
         if (const auto byte = static_cast<unsigned char>(bytes[i]); byte < 0x80) {
             text += static_cast<char16_t>(byte);
             ++i;
@@ -122,10 +130,13 @@ Text fromUtf8(std::string_view bytes) {
 }
 
 std::string toUtf8(TextView text) {
+    const auto ascii = std::ranges::find_if(text, [](char16_t unit) { return unit >= 0x80; });
     std::string bytes;
     bytes.reserve(text.size());
+    std::ranges::transform(text.begin(), ascii, std::back_inserter(bytes),
+                           [](char16_t unit) { return static_cast<char>(unit); });
     const auto put = [&](char32_t value) { bytes += static_cast<char>(value); };
-    for (std::size_t i = 0; i < text.size(); ++i) {
+    for (std::size_t i = bytes.size(); i < text.size(); ++i) {
         char32_t value = text[i];
         if (value >= 0xD800 && value <= 0xDFFF) {
             const bool pair = value < 0xDC00 && i + 1 < text.size() && text[i + 1] >= 0xDC00 &&

@@ -30,11 +30,15 @@ Text shownDate(Date date) {
     return timeOfDay(date) == Date{0} ? formatDate(date) : formatDate(date) + u" " + isoTime(date);
 }
 
-Text shownCell(const Row& row, std::span<const FieldSpec> fields, std::size_t i) {
+void appendCell(Text& block, const Row& row, std::span<const FieldSpec> fields, std::size_t i) {
     if (row.isNull(i)) {
-        return {};
+        return;
     }
-    return fields[i].type == CellType::date ? shownDate(Date{row.real(i)}) : Text(row.text(i));
+    if (fields[i].type == CellType::date) {
+        block += shownDate(Date{row.real(i)});
+    } else {
+        block += row.text(i);
+    }
 }
 
 Text blockOf(TableCore& table, std::span<const StringId> titles) {
@@ -49,7 +53,8 @@ Text blockOf(TableCore& table, std::span<const StringId> titles) {
     const KeepPosition keep(table);
     for (table.MoveFirst(); !table.atEnd(); table.MoveNext()) {
         for (std::size_t i = 0; i < titles.size(); ++i) {
-            block.append(shownCell(table.row(), table.fields(), i)).append(u"\t");
+            appendCell(block, table.row(), table.fields(), i);
+            block += u'\t';
         }
         block += kLineBreak;
     }

@@ -15,22 +15,18 @@ namespace tandolin {
 
 namespace {
 
-StartRange rangeFrom(Date start) {
-    constexpr std::int64_t kHour = 3600;
-    const bool hasTime = timeOfDay(start) != Date{0};
-    return {start, hasTime ? dateFromSeconds(start.seconds() + kHour) : start};
-}
-
 /// One look-up for one row: what it found so far.
 class LookUp {
 public:
     explicit LookUp(Table<Calendar>& table) : table_(table) {}
 
-    void within(StartRange range) {
+    /// What starts within the hour may be asked for, but only what starts at the moment itself can
+    /// be the entry: rows pair by their start.
+    void startingAt(Date start) {
         // Taking an item may open it, which ends the search: the items are taken behind it.
         std::vector<AppointmentFacts> items;
         CalendarFolder& folder = calendarFolderInUse();
-        range.seriesToo = table_[cal::IsRecurring];
+        const StartRange range{start, start, table_[cal::IsRecurring]};
         for (const AppointmentFacts* item = folder.Find(range); item != nullptr;
              item = folder.FindNext()) {
             if (mayBeTheEntry(*item)) {
@@ -48,8 +44,7 @@ public:
     [[nodiscard]] bool heldInOtherForm() const { return heldInOtherForm_; }
 
 private:
-    /// What the rules ask first, asked before a row is made of the item: most items of an hour
-    /// are other entries.
+    /// What the rules ask first, asked before a row is made of the item.
     [[nodiscard]] bool mayBeTheEntry(const AppointmentFacts& item) const {
         const bool series = item.IsRecurring && item.Pattern.RecurrenceType != OlRecurrence::other;
         return series == table_[cal::IsRecurring] &&
@@ -121,10 +116,10 @@ bool SearchingforaOutlookEntry(Table<Calendar>& table, bool* heldInOtherForm) {
             lookUp.seriesOf(wholeDay(anchor));
         }
         if (!lookUp.rowIsPaired()) {
-            lookUp.within(rangeFrom(start));
+            lookUp.startingAt(start);
         }
         if (isSeries && !lookUp.rowIsPaired() && wholeDay(anchor) != wholeDay(start)) {
-            lookUp.within(rangeFrom(atTime(anchor, start)));
+            lookUp.startingAt(atTime(anchor, start));
         }
         if (heldInOtherForm != nullptr) {
             *heldInOtherForm = lookUp.heldInOtherForm();
