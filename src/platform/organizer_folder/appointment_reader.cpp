@@ -234,7 +234,8 @@ std::optional<Stamp> stampOf(const ContentLines& lines, std::size_t line, Zones&
     if (!time) {
         return std::nullopt;
     }
-    return Stamp{time->wall, &zoneOfLine(lines, text, time->form, zones), time->form == Form::date};
+    return Stamp{time->wall, &zoneOfLine(lines, text, time->form, zones), time->form == Form::date,
+                 time->form == Form::floating && parameterOf(text, "TZID").empty()};
 }
 
 Stamp startOf(const ContentLines& lines, int event, Zones& zones) {

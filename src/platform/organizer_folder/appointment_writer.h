@@ -42,9 +42,10 @@ bool applyChanges(ContentLines& lines, std::string_view id, const Changes& chang
 /// Takes the item out of the lines. False when nothing but zones is left, and the file may go.
 bool removeItem(ContentLines& lines, std::string_view id, std::string_view fileName);
 
-/// The file of a new item, with CR LF. `zoneText` is the VTIMEZONE of the local zone; without one
-/// the times are written in UTC. Without a start it begins now; without an end it has no length.
+/// The file of a new item, with CR LF. `zoneLines` is the VTIMEZONE of the local zone as it goes
+/// into the file; without one the times are written in UTC. Without a start it begins now; without
+/// an end it has no length.
 std::string newItemFile(std::string_view id, const Changes& changes, const EditContext& context,
-                        const std::optional<std::string>& zoneText);
+                        const std::optional<std::string>& zoneLines);
 
 } // namespace tandolin::ical

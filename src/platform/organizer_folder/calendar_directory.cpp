@@ -83,7 +83,18 @@ void CalendarDirectory::checkOpen() const {
     }
 }
 
-std::vector<std::string> CalendarDirectory::names() const {
+void CalendarDirectory::open() {
+    try {
+        opened_ = OpenDirectory(directory_);
+    } catch (Failure& failure) {
+        failure.Number = failure_number::kOrganizer;
+        failure.File = fromUtf8(labelFolder_);
+        throw;
+    }
+}
+
+std::vector<std::string> CalendarDirectory::names() {
+    open();
     const std::unique_ptr<DIR, CloseDirectory> opened(::opendir(directory_.c_str()));
     if (!opened) {
         refuse(errno, directory_, fromUtf8(labelFolder_));
@@ -137,7 +148,7 @@ fs::path CalendarDirectory::pathOf(const std::string& name) const {
 std::optional<FileStamp> CalendarDirectory::stampOf(const std::string& name) const {
     struct stat facts {};
 
-    if (::stat((directory_ / name).c_str(), &facts) == 0) {
+    if (::fstatat(opened_.descriptor(), name.c_str(), &facts, 0) == 0) {
         return stampFromFacts(facts);
     }
     if (errno == ENOENT || errno == ENOTDIR) {
@@ -148,23 +159,24 @@ std::optional<FileStamp> CalendarDirectory::stampOf(const std::string& name) con
 
 CalendarDirectory::Outcome CalendarDirectory::read(const std::string& name, std::string& bytes,
                                                    FileStamp& stamp) const {
-    const std::string path = directory_.native() + '/' + name;
     constexpr int kFlags = O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
-    Descriptor opened(uninterrupted([&] { return ::open(path.c_str(), kFlags | O_NOFOLLOW); }));
+    Descriptor opened(uninterrupted(
+        [&] { return ::openat(opened_.descriptor(), name.c_str(), kFlags | O_NOFOLLOW); }));
     if (!opened.isOpen() && errno == ELOOP && staysInside(name)) {
-        opened = Descriptor(uninterrupted([&] { return ::open(path.c_str(), kFlags); }));
+        opened = Descriptor(
+            uninterrupted([&] { return ::openat(opened_.descriptor(), name.c_str(), kFlags); }));
     }
     if (!opened.isOpen()) {
         if (errno == ENOENT || errno == ELOOP) {
             return Outcome::gone;
         }
-        refuse(errno, path, label(name));
+        refuse(errno, directory_ / name, label(name));
     }
 
     struct stat facts {};
 
     if (::fstat(opened.get(), &facts) != 0) {
-        refuse(errno, path, label(name));
+        refuse(errno, directory_ / name, label(name));
     }
     stamp = stampFromFacts(facts);
     if (!S_ISREG(facts.st_mode)) {
@@ -181,7 +193,7 @@ CalendarDirectory::Outcome CalendarDirectory::read(const std::string& name, std:
         const ssize_t got = uninterrupted(
             [&] { return ::read(opened.get(), bytes.data() + filled, bytes.size() - filled); });
         if (got < 0) {
-            refuse(errno, path, label(name));
+            refuse(errno, directory_ / name, label(name));
         }
         if (got == 0 ||
             (filled += static_cast<std::size_t>(got)) == static_cast<std::size_t>(facts.st_size)) {

@@ -3,6 +3,7 @@
 // The directory of the calendar files: listing, reading, and what tells that a file was changed.
 
 #include "core/text.h"
+#include "platform/system_posix/open_directory.h"
 
 #include <sys/types.h>
 
@@ -37,8 +38,11 @@ public:
     /// The stamp of the directory itself. Throws Failure -1987.
     [[nodiscard]] FileStamp stamp() const;
     /// The names of all calendar files in order; hidden and temporary ones, what is no file, and
-    /// links that leave the root are passed over. Throws Failure -1987.
-    [[nodiscard]] std::vector<std::string> names() const;
+    /// links that leave the root are passed over. Opens the directory for what follows. Throws
+    /// Failure -1987.
+    [[nodiscard]] std::vector<std::string> names();
+    /// Opens the directory anew: another one may bear its name now. Throws Failure -1987.
+    void open();
     /// Nothing when the file is gone. Throws Failure -1987.
     [[nodiscard]] std::optional<FileStamp> stampOf(const std::string& name) const;
 
@@ -53,11 +57,14 @@ public:
 
     [[nodiscard]] const std::filesystem::path& path() const { return directory_; }
 
+    [[nodiscard]] const OpenDirectory& opened() const { return opened_; }
+
 private:
     [[nodiscard]] bool staysInside(const std::string& name) const;
 
     std::filesystem::path root_;
     std::filesystem::path directory_;
+    OpenDirectory opened_;
     std::string labelFolder_;
     Text label_; ///< the same with a slash behind it
 };

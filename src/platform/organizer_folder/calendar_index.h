@@ -34,6 +34,10 @@ public:
     explicit CalendarIndex(const Zones& zones) : zones_(zones) {}
 
     void clear();
+
+    /// About as many items will be added.
+    void reserve(std::size_t count) { places_.reserve(count); }
+
     /// Adds an appointment; its identifier must be new.
     void add(ReadItem item, std::uint32_t file);
     void remove(std::string_view id);

@@ -129,6 +129,16 @@ std::string foldedLine(std::string_view text, std::string_view lineEnd) {
     return result.append(text).append(lineEnd);
 }
 
+std::string foldedLines(std::string_view texts, std::string_view lineEnd) {
+    std::string result;
+    while (!texts.empty()) {
+        const std::size_t end = std::min(texts.find('\n'), texts.size());
+        result += foldedLine(texts.substr(0, end), lineEnd);
+        texts.remove_prefix(std::min(end + 1, texts.size()));
+    }
+    return result;
+}
+
 void ContentLines::assign(std::string_view bytes) {
     lines_.clear();
     texts_.clear();

@@ -52,6 +52,8 @@ std::string_view parameterOf(std::string_view text, std::string_view name);
 
 /// The line cut into pieces of at most 75 bytes, never within a UTF-8 character, with line ends.
 std::string foldedLine(std::string_view text, std::string_view lineEnd);
+/// Several lines, each ended by LF in `texts`, as they go into a file.
+std::string foldedLines(std::string_view texts, std::string_view lineEnd);
 
 class ContentLines {
 public:

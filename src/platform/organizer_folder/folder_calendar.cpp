@@ -6,7 +6,6 @@
 #include "platform/organizer_folder/uuid.h"
 #include "platform/system_posix/atomic_file.h"
 
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -21,13 +20,6 @@ constexpr int kMostTries = 5;
 constexpr unsigned kNewFileMode = 0644;
 constexpr std::size_t kLargestKeptBuffer = std::size_t{1} << 20U;
 
-unsigned withoutMaskedBits(unsigned mode) {
-    // The mask can only be read by setting it; the program starts no thread before this.
-    const mode_t mask = ::umask(022);
-    ::umask(mask);
-    return mode & ~static_cast<unsigned>(mask);
-}
-
 Failure noItem() {
     return {failure_number::kNoItem, u"There is no such item in the calendar."};
 }
@@ -37,7 +29,7 @@ Failure noItem() {
 FolderCalendar::FolderCalendar(CalendarDirectory directory, ical::Zones& zones, const Clock& clock,
                                bool dryRun)
     : directory_(std::move(directory)), zones_(zones), clock_(clock), dryRun_(dryRun),
-      newFileMode_(withoutMaskedBits(kNewFileMode)), index_(zones) {}
+      newFileMode_(kNewFileMode & ~fileModeMask()), index_(zones) {}
 
 void FolderCalendar::opened() {
     directory_.checkOpen();
@@ -129,6 +121,8 @@ void FolderCalendar::readAll() {
     // The stamp is taken first: a change during the listing is then seen at the next look.
     folderStamp_ = directory_.stamp();
     const std::vector<std::string> names = directory_.names();
+    fileByName_.reserve(names.size());
+    index_.reserve(names.size());
     for (std::uint32_t file = 0; file < files_.size(); ++file) {
         const std::string& name = files_[file].name;
         if (!std::ranges::binary_search(names, name) && !pretended_.contains(name)) {
@@ -292,11 +286,14 @@ void FolderCalendar::saveNew(const std::string& id, const ical::Changes& changes
     }
     const std::string name = id + ".ics";
     const ical::EditContext context = editContext(name);
-    if (!zoneText_) {
-        zoneText_ = zones_.local().isUtc() ? std::nullopt
-                                           : ical::describedZone(zones_.local(), context.nowUtc);
+    if (!zoneLines_) {
+        zoneLines_ = zones_.local().isUtc() ? std::nullopt
+                                            : ical::describedZone(zones_.local(), context.nowUtc);
+        if (*zoneLines_) {
+            zoneLines_->emplace(ical::foldedLines(**zoneLines_, "\r\n"));
+        }
     }
-    const std::string bytes = ical::newItemFile(id, changes, context, *zoneText_);
+    const std::string bytes = ical::newItemFile(id, changes, context, *zoneLines_);
     store(fileNamed(name), bytes, newFileMode_);
 }
 
@@ -378,9 +375,15 @@ void FolderCalendar::store(std::uint32_t file, const std::string& bytes, unsigne
     }
     const bool seenAll = directory_.stamp() == folderStamp_;
     try {
+        if (!seenAll) {
+            directory_.open();
+        }
         // A new file has a mode of its own, and no link to follow.
-        const auto path = mode != 0 ? directory_.path() / name : directory_.pathOf(name);
-        replaceFile(path, bytes, mode, Flush::later);
+        if (mode != 0) {
+            replaceFile(directory_.opened(), name, bytes, mode, Flush::later);
+        } else {
+            replaceFile(directory_.pathOf(name), bytes, mode, Flush::later);
+        }
     } catch (Failure& failure) {
         failure.File = directory_.label(name);
         throw;

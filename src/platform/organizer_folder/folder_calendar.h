@@ -103,7 +103,7 @@ private:
 
     std::string buffer_; ///< the bytes of the file at hand, its memory used for all
     ical::ContentLines lines_;
-    std::optional<std::optional<std::string>> zoneText_;
+    std::optional<std::optional<std::string>> zoneLines_;
 };
 
 } // namespace tandolin::platform

@@ -18,20 +18,15 @@ public:
         bytes_ += foldedLine(std::string(name).append(":").append(value), kLineEnd);
     }
 
-    void lines(std::string_view texts) {
-        while (!texts.empty()) {
-            const std::size_t end = std::min(texts.find('\n'), texts.size());
-            bytes_ += foldedLine(texts.substr(0, end), kLineEnd);
-            texts.remove_prefix(std::min(end + 1, texts.size()));
-        }
-    }
+    /// What is folded and ended already.
+    void lines(std::string_view folded) { bytes_ += folded; }
 
-    /// A local time with the zone's name, or in UTC.
-    void time(std::string_view name, Seconds local, const Zones& zones, bool zoned) {
-        if (zoned) {
-            line(std::string(name) + ";TZID=" + zones.local().name(), timeText(local, Form::zoned));
+    /// A local time with the zone's name, in UTC, or bare.
+    void time(std::string_view name, Seconds local, const TimeZone& zone, Form form) {
+        if (form == Form::zoned) {
+            line(std::string(name) + ";TZID=" + zone.name(), timeText(local, form));
         } else {
-            line(name, timeText(zones.local().utcOf(local), Form::utc));
+            line(name, timeText(form == Form::utc ? zone.utcOf(local) : local, form));
         }
     }
 
@@ -41,26 +36,37 @@ private:
     std::string bytes_;
 };
 
+/// A time that the clock leaves out in spring is written bare: with its zone it would be read back
+/// an hour later, and be another entry than the one it was made of.
+Form formFor(Seconds start, Seconds end, const TimeZone& zone, bool zoned) {
+    for (const Seconds moment : {start, end}) {
+        if (zone.wallOf(zone.utcOf(moment)) != moment) {
+            return Form::floating;
+        }
+    }
+    return zoned ? Form::zoned : Form::utc;
+}
+
 } // namespace
 
 std::string newItemFile(std::string_view id, const Changes& changes, const EditContext& context,
-                        const std::optional<std::string>& zoneText) {
-    const Zones& zones = context.zones;
-    const Seconds start =
-        changes.start ? wallOf(*changes.start) : zones.local().wallOf(context.nowUtc);
+                        const std::optional<std::string>& zoneLines) {
+    const TimeZone& zone = context.zones.local();
+    const Seconds start = changes.start ? wallOf(*changes.start) : zone.wallOf(context.nowUtc);
     const Seconds end = std::max(start, changes.end ? wallOf(*changes.end) : start);
     const std::string subject = escapedText(changes.subject.value_or(Text{}));
     const std::string now = timeText(context.nowUtc, Form::utc);
     Composer out;
-    out.lines("BEGIN:VCALENDAR\nVERSION:2.0\n");
+    out.lines("BEGIN:VCALENDAR\r\nVERSION:2.0\r\n");
     out.line("PRODID", kProgram);
-    out.lines(zoneText.value_or(""));
+    out.lines(zoneLines.value_or(""));
     out.line("BEGIN", "VEVENT");
     out.line("UID", id);
     out.line("DTSTAMP", now);
     out.line("CREATED", now);
-    out.time("DTSTART", start, zones, zoneText.has_value());
-    out.time("DTEND", end, zones, zoneText.has_value());
+    const Form form = formFor(start, end, zone, zoneLines.has_value());
+    out.time("DTSTART", start, zone, form);
+    out.time("DTEND", end, zone, form);
     out.line("SUMMARY", subject);
     if (changes.pattern) {
         out.line("RRULE", ruleTextOf(*changes.pattern, {}));
@@ -69,11 +75,11 @@ std::string newItemFile(std::string_view id, const Changes& changes, const EditC
         out.line(kMeetingMark, "1");
     }
     if (changes.reminder.value_or(false)) {
-        out.lines("BEGIN:VALARM\nACTION:DISPLAY\n");
+        out.lines("BEGIN:VALARM\r\nACTION:DISPLAY\r\n");
         out.line("DESCRIPTION", subject);
-        out.lines("TRIGGER:PT0S\nEND:VALARM\n");
+        out.lines("TRIGGER:PT0S\r\nEND:VALARM\r\n");
     }
-    out.lines("END:VEVENT\nEND:VCALENDAR\n");
+    out.lines("END:VEVENT\r\nEND:VCALENDAR\r\n");
     return out.take();
 }
 

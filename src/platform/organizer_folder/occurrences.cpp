@@ -12,7 +12,7 @@ constexpr int kMostLeftOut = 100'000;
 } // namespace
 
 Span localSpan(const Zones& zones, const Stamp& start, Seconds length) {
-    if (start.isDate) {
+    if (start.isDate || start.floats) {
         return {start.wall, start.wall + length};
     }
     Span span{zones.localOf(*start.zone, start.wall),

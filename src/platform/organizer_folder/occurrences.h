@@ -22,6 +22,8 @@ struct Stamp {
     Seconds wall = 0;
     const TimeZone* zone = nullptr;
     bool isDate = false;
+    /// A time of whatever clock the reader has: it names no zone and is never moved.
+    bool floats = false;
 };
 
 /// The facts of one VEVENT, in local wall-clock time; the subject in UTF-8.

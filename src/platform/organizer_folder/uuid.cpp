@@ -9,15 +9,27 @@
 
 namespace tandolin::ical {
 
-std::string randomUuid() {
-    std::array<unsigned char, 16> bytes{};
-    // Sixteen bytes are never given in part, and are waited for only in the first moments of a
-    // boot.
-    while (::getrandom(bytes.data(), bytes.size(), 0) != static_cast<ssize_t>(bytes.size())) {
-        if (errno != EINTR) {
-            throw platform::failureOfErrno(errno, "getrandom", u"no random number");
+namespace {
+
+std::array<unsigned char, 16> randomBytes() {
+    // The system gives this much at once, in one piece; a run makes thousands of identifiers.
+    static std::array<std::array<unsigned char, 16>, 16> stock;
+    static std::size_t left = 0;
+    if (left == 0) {
+        while (::getrandom(stock.data(), sizeof stock, 0) != static_cast<ssize_t>(sizeof stock)) {
+            if (errno != EINTR) {
+                throw platform::failureOfErrno(errno, "getrandom", u"no random number");
+            }
         }
+        left = stock.size();
     }
+    return stock.at(--left);
+}
+
+} // namespace
+
+std::string randomUuid() {
+    std::array<unsigned char, 16> bytes = randomBytes();
     bytes[6] = static_cast<unsigned char>((bytes[6] & 0x0FU) | 0x40U);
     bytes[8] = static_cast<unsigned char>((bytes[8] & 0x3FU) | 0x80U);
     constexpr std::string_view kHex = "0123456789abcdef";

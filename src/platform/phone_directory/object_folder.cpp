@@ -1,7 +1,10 @@
 #include "platform/phone_directory/object_folder.h"
 
 #include "core/trap.h"
-#include "platform/phone_directory/store_names.h"
+
+#include <sys/stat.h>
+
+#include <cerrno>
 
 namespace tandolin::platform {
 
@@ -12,6 +15,7 @@ namespace {
 constexpr std::size_t kLargestObject = std::size_t{16} << 20U;
 constexpr std::size_t kLargestInfo = std::size_t{1} << 20U;
 constexpr unsigned kKeepMode = 0;
+constexpr unsigned kNewMode = 0600;
 
 Failure folderFailure(std::int32_t number, const fs::path& path, TextView what) {
     return {number, fromUtf8(path.native()) + u' ' + Text(what)};
@@ -41,7 +45,7 @@ std::optional<std::string> ObjectFolder::read(int number) {
         return kept->second;
     }
     try {
-        return readWholeFile(folder_ / names_.at(number), kLargestObject);
+        return readWholeFile(opened_, names_.at(number), kLargestObject);
     } catch (const Failure& failure) {
         if (failure.Number != failure_number::kNotFound) {
             throw;
@@ -56,13 +60,23 @@ bool ObjectFolder::holds(int number) {
     if (names_.contains(number)) {
         return true;
     }
-    if (dryErased_.contains(number) ||
-        look(folder_ / fileNameFor(number), kind_.root) != Found::file) {
+    if (dryErased_.contains(number) || whatBears(fileNameFor(number)) != Found::file) {
         return false;
     }
     // Another program has put it there since the directory was read.
     refresh();
     return names_.contains(number);
+}
+
+Found ObjectFolder::whatBears(const std::string& fileName) const {
+    struct stat facts {};
+
+    // Mostly nothing is there, which is seen without a walk along the path.
+    const bool absent =
+        opened_.isOpen() &&
+        ::fstatat(opened_.descriptor(), fileName.c_str(), &facts, AT_SYMLINK_NOFOLLOW) != 0 &&
+        errno == ENOENT;
+    return absent ? Found::nothing : look(folder_ / fileName, kind_.root);
 }
 
 void ObjectFolder::refuseUnless(bool allowed, TextView what) const {
@@ -83,8 +97,8 @@ void ObjectFolder::checkRoomFor(int number) {
     refuseUnless(static_cast<std::int64_t>(names_.size()) < *maximum,
                  u"is full: it holds " + decimal(static_cast<std::int64_t>(names_.size())) +
                      u" of " + decimal(*maximum) + u" objects");
-    const bool taken = !dryErased_.contains(number) &&
-                       look(folder_ / fileNameFor(number), kind_.root) != Found::nothing;
+    const bool taken =
+        !dryErased_.contains(number) && whatBears(fileNameFor(number)) != Found::nothing;
     refuseUnless(!taken && !blocked_.contains(number),
                  u"holds a file of number " + decimal(number) +
                      u" that is no object or that another program has just put there");
@@ -101,7 +115,8 @@ void ObjectFolder::store(int number, std::string_view bytes, const std::string& 
         dryBytes_.insert_or_assign(number, bytes);
         dryErased_.erase(number);
     } else {
-        replaceFile(folder_ / fileName, bytes, kKeepMode, Flush::later);
+        const unsigned mode = names_.contains(number) ? kKeepMode : kNewMode;
+        replaceFile(opened_, fileName, bytes, mode, Flush::later);
     }
     names_.try_emplace(number, fileName);
     changed_ = true;
@@ -166,6 +181,7 @@ void ObjectFolder::makeMissing() {
     refreshOnce();
     if (infoMissing_) {
         makePrivateDirectories(folder_);
+        opened_ = OpenDirectory(folder_);
         replaceFile(infoPath_, composeInfoLog(), kKeepMode, Flush::later);
         infoMissing_ = false;
     }
@@ -220,6 +236,7 @@ void ObjectFolder::readNames() {
         return;
     }
     refuseUnless(found == Found::directory, u"is no directory or leads out of the store");
+    opened_ = OpenDirectory(folder_);
     std::error_code error;
     fs::directory_iterator entry(folder_, error);
     for (; !error && entry != fs::directory_iterator(); entry.increment(error)) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/phone_directory/info_log.h"
+#include "platform/phone_directory/store_names.h"
 #include "platform/system_posix/atomic_file.h"
 
 #include <filesystem>
@@ -84,12 +85,14 @@ private:
     void refreshOnce();
     void forget(int number);
     void store(int number, std::string_view bytes, const std::string& fileName);
+    [[nodiscard]] Found whatBears(const std::string& fileName) const;
     void refuseUnless(bool allowed, TextView what) const;
     [[nodiscard]] std::string composeInfoLog() const;
     [[nodiscard]] std::string fileNameFor(int number) const;
 
     FolderKind kind_;
     std::filesystem::path folder_;
+    OpenDirectory opened_;
     std::filesystem::path infoPath_;
     bool known_ = false;
     bool changed_ = false;

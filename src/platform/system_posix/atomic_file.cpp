@@ -23,13 +23,40 @@ fs::path folderOf(const fs::path& path) {
     return path.has_parent_path() ? path.parent_path() : fs::path(".");
 }
 
-/// The file under its temporary name; removed at the end of the scope unless it was renamed.
+/// False with errno when the system takes no more.
+bool writeBytes(int descriptor, std::string_view bytes) {
+    while (!bytes.empty()) {
+        const ssize_t written =
+            uninterrupted([&] { return ::write(descriptor, bytes.data(), bytes.size()); });
+        if (written < 0) {
+            return false;
+        }
+        bytes.remove_prefix(static_cast<std::size_t>(written));
+    }
+    return true;
+}
+
+std::string temporaryName(const std::string& target) {
+    static unsigned made = 0;
+    const std::size_t folder = target.rfind('/');
+    return target.substr(0, folder == std::string::npos ? 0 : folder + 1) + ".tandolin-" +
+           std::to_string(::getpid()) + '-' + std::to_string(++made);
+}
+
+/// A file under its temporary name; removed at the end of the scope unless it was renamed.
 class TemporaryFile {
 public:
-    explicit TemporaryFile(const fs::path& target) : name_(folderOf(target) / ".tandolin-XXXXXX") {
-        descriptor_ = Descriptor(uninterrupted([&] { return mkostemp(name_.data(), O_CLOEXEC); }));
+    TemporaryFile(const OpenDirectory& directory, const std::string& target, unsigned mode)
+        : directory_(directory), target_(target) {
+        do {
+            name_ = temporaryName(target); // a name that is taken is one of a run that was killed
+            descriptor_ = Descriptor(uninterrupted([&] {
+                return ::openat(directory_.descriptor(), name_.c_str(),
+                                O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, mode);
+            }));
+        } while (!descriptor_.isOpen() && errno == EEXIST);
         if (!descriptor_.isOpen()) {
-            throw failureOfErrno(errno, target, u"cannot write");
+            throw failure(u"cannot write");
         }
     }
 
@@ -38,51 +65,64 @@ public:
 
     ~TemporaryFile() {
         if (!renamed_) {
-            ::unlink(name_.c_str());
+            ::unlinkat(directory_.descriptor(), name_.c_str(), 0);
         }
     }
 
-    void fill(std::string_view bytes, unsigned mode, Flush flush, const fs::path& target) {
-        if (mode != kPrivate && ::fchmod(descriptor_.get(), mode) != 0) {
-            throw failureOfErrno(errno, target, u"cannot set the mode of");
+    void fill(std::string_view bytes, unsigned mode, Flush flush) {
+        const bool masked = (mode & fileModeMask()) != 0;
+        if (masked && ::fchmod(descriptor_.get(), mode) != 0) {
+            throw failure(u"cannot set the mode of");
         }
-        writeAll(descriptor_.get(), bytes, target);
+        if (!writeBytes(descriptor_.get(), bytes)) {
+            throw failure(u"cannot write");
+        }
         const bool flushed =
             flush == Flush::later || uninterrupted([&] { return ::fsync(descriptor_.get()); }) == 0;
         if (!flushed || !descriptor_.close()) {
-            throw failureOfErrno(errno, target, u"cannot write");
+            throw failure(u"cannot write");
         }
     }
 
-    void rename(const fs::path& target) {
-        if (::rename(name_.c_str(), target.c_str()) != 0) {
-            throw failureOfErrno(errno, target, u"cannot replace");
+    void rename() {
+        const int directory = directory_.descriptor();
+        if (::renameat(directory, name_.c_str(), directory, target_.c_str()) != 0) {
+            throw failure(u"cannot replace");
         }
         renamed_ = true;
     }
 
 private:
+    [[nodiscard]] Failure failure(TextView what) const {
+        return failureOfErrno(errno, directory_.pathOf(target_), what);
+    }
+
+    const OpenDirectory& directory_;
+    const std::string& target_;
     std::string name_;
     Descriptor descriptor_;
     bool renamed_ = false;
 };
 
-unsigned modeToUse(const fs::path& path, unsigned asked) {
+unsigned modeToUse(const OpenDirectory& directory, const std::string& name, unsigned asked) {
     if (asked != 0) {
         return asked;
     }
 
     struct stat facts {};
 
-    const bool kept = ::lstat(path.c_str(), &facts) == 0 && S_ISREG(facts.st_mode);
+    const bool kept =
+        ::fstatat(directory.descriptor(), name.c_str(), &facts, AT_SYMLINK_NOFOLLOW) == 0 &&
+        S_ISREG(facts.st_mode);
     return kept ? facts.st_mode & 07777U : kPrivate;
 }
 
-Descriptor openForReading(const fs::path& path, int flags) {
-    Descriptor opened(
-        uninterrupted([&] { return ::open(path.c_str(), O_RDONLY | O_CLOEXEC | flags); }));
+Descriptor openForReading(const OpenDirectory& directory, const std::string& name, int flags) {
+    Descriptor opened(uninterrupted([&] {
+        return ::openat(directory.descriptor(), name.c_str(), O_RDONLY | O_CLOEXEC | flags);
+    }));
     if (!opened.isOpen()) {
-        Failure failure = failureOfErrno(errno, path, u"cannot read");
+        Failure failure = failureOfErrno(errno, directory.pathOf(name), u"cannot read");
         if (errno == ENOENT || errno == ENOTDIR) {
             failure.Number = failure_number::kNotFound;
         }
@@ -92,7 +132,7 @@ Descriptor openForReading(const fs::path& path, int flags) {
 }
 
 void flushFolder(const fs::path& folder) {
-    const Descriptor opened = openForReading(folder, O_DIRECTORY);
+    const Descriptor opened = openForReading({}, folder.native(), O_DIRECTORY);
     const int result = uninterrupted([&] { return ::fsync(opened.get()); });
     // Some file systems (network, FUSE) cannot flush a directory; the rename itself was accepted.
     if (result != 0 && errno != EINVAL && errno != ENOTSUP && errno != ENOSYS) {
@@ -109,30 +149,53 @@ Failure unusableFile(const fs::path& path, TextView why) {
 
 } // namespace
 
-void replaceFile(const fs::path& path, std::string_view bytes, unsigned mode, Flush flush) {
-    const unsigned wanted = modeToUse(path, mode);
-    TemporaryFile temporary(path);
-    temporary.fill(bytes, wanted, flush, path);
-    temporary.rename(path);
+unsigned fileModeMask() {
+    // It can only be read by setting it; the program starts no thread before this.
+    static const mode_t mask = [] {
+        const mode_t old = ::umask(022);
+        ::umask(old);
+        return old;
+    }();
+    return mask;
+}
+
+OpenDirectory::OpenDirectory(fs::path path)
+    : path_(std::move(path)), opened_(openForReading({}, path_.native(), O_DIRECTORY)) {}
+
+void replaceFile(const OpenDirectory& directory, const std::string& name, std::string_view bytes,
+                 unsigned mode, Flush flush) {
+    const unsigned wanted = modeToUse(directory, name, mode);
+    TemporaryFile temporary(directory, name, wanted);
+    temporary.fill(bytes, wanted, flush);
+    temporary.rename();
     if (flush == Flush::now) {
-        flushFolder(folderOf(path));
+        flushFolder(folderOf(directory.pathOf(name)));
     }
 }
 
+void replaceFile(const fs::path& path, std::string_view bytes, unsigned mode, Flush flush) {
+    replaceFile({}, path.native(), bytes, mode, flush);
+}
+
 std::string readWholeFile(const fs::path& path, std::size_t limit) {
+    return readWholeFile({}, path.native(), limit);
+}
+
+std::string readWholeFile(const OpenDirectory& directory, const std::string& name,
+                          std::size_t limit) {
     // Without waiting, so that a named pipe in the place of a file cannot stop the program.
-    const Descriptor opened = openForReading(path, O_NONBLOCK);
+    const Descriptor opened = openForReading(directory, name, O_NONBLOCK);
 
     struct stat facts {};
 
     if (::fstat(opened.get(), &facts) != 0) {
-        throw failureOfErrno(errno, path, u"cannot read");
+        throw failureOfErrno(errno, directory.pathOf(name), u"cannot read");
     }
     if (!S_ISREG(facts.st_mode)) {
-        throw unusableFile(path, u"not a regular file");
+        throw unusableFile(directory.pathOf(name), u"not a regular file");
     }
     if (static_cast<std::uintmax_t>(facts.st_size) > limit) {
-        throw unusableFile(path,
+        throw unusableFile(directory.pathOf(name),
                            u"larger than " + decimal(static_cast<std::int64_t>(limit)) + u" bytes");
     }
     // One byte more than expected tells a file that grows from one that is complete.
@@ -142,7 +205,7 @@ std::string readWholeFile(const fs::path& path, std::size_t limit) {
         const ssize_t got = uninterrupted(
             [&] { return ::read(opened.get(), bytes.data() + filled, bytes.size() - filled); });
         if (got < 0) {
-            throw failureOfErrno(errno, path, u"cannot read");
+            throw failureOfErrno(errno, directory.pathOf(name), u"cannot read");
         }
         if (got == 0) {
             bytes.resize(filled);
@@ -150,7 +213,7 @@ std::string readWholeFile(const fs::path& path, std::size_t limit) {
         }
         filled += static_cast<std::size_t>(got);
         if (filled > limit) {
-            throw unusableFile(path, u"it grows while it is read");
+            throw unusableFile(directory.pathOf(name), u"it grows while it is read");
         }
         if (filled == bytes.size()) {
             bytes.resize(std::min(limit, filled * 2) + 1);
@@ -159,7 +222,7 @@ std::string readWholeFile(const fs::path& path, std::size_t limit) {
 }
 
 void syncFileSystem(const fs::path& anyFileOnIt) {
-    const Descriptor opened = openForReading(anyFileOnIt, O_NONBLOCK);
+    const Descriptor opened = openForReading({}, anyFileOnIt.native(), O_NONBLOCK);
     if (::syncfs(opened.get()) != 0) {
         throw failureOfErrno(errno, anyFileOnIt, u"cannot flush");
     }
@@ -179,13 +242,8 @@ void makePrivateDirectories(const fs::path& directory) {
 }
 
 void writeAll(int descriptor, std::string_view bytes, const fs::path& path) {
-    while (!bytes.empty()) {
-        const ssize_t written =
-            uninterrupted([&] { return ::write(descriptor, bytes.data(), bytes.size()); });
-        if (written < 0) {
-            throw failureOfErrno(errno, path, u"cannot write");
-        }
-        bytes.remove_prefix(static_cast<std::size_t>(written));
+    if (!writeBytes(descriptor, bytes)) {
+        throw failureOfErrno(errno, path, u"cannot write");
     }
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/failure.h"
+#include "platform/system_posix/open_directory.h"
 
 #include <cstddef>
 #include <filesystem>
@@ -15,6 +16,9 @@ enum class Flush {
     later ///< the caller flushes the whole file system once (`syncFileSystem`)
 };
 
+/// The permissions that the user's mask takes from new files.
+unsigned fileModeMask();
+
 /// Replaces the file with the bytes, so that a reader sees the old or the new content and nothing
 /// between. The new content is written beside it under a name that starts with "."; that file is
 /// removed again on failure and the old one stays as it was. A symbolic link at the path is
@@ -23,9 +27,17 @@ enum class Flush {
 void replaceFile(const std::filesystem::path& path, std::string_view bytes, unsigned mode,
                  Flush flush);
 
+/// The same for a file of an open directory.
+void replaceFile(const OpenDirectory& directory, const std::string& name, std::string_view bytes,
+                 unsigned mode, Flush flush);
+
 /// All bytes of a regular file. Throws Failure kNotFound when there is none, kServerFailed when it
 /// is larger than `limit` or no regular file (a device would never end), else as `failureOfErrno`.
 std::string readWholeFile(const std::filesystem::path& path, std::size_t limit);
+
+/// The same for a file of an open directory.
+std::string readWholeFile(const OpenDirectory& directory, const std::string& name,
+                          std::size_t limit);
 
 /// Brings everything on the file system of this file or directory to the disk. Throws as above.
 void syncFileSystem(const std::filesystem::path& anyFileOnIt);

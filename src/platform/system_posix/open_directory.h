@@ -1,0 +1,35 @@
+#pragma once
+
+#include "platform/system_posix/descriptor.h"
+
+#include <fcntl.h>
+
+#include <filesystem>
+#include <string>
+
+namespace tandolin::platform {
+
+/// A directory that is held open: its files are reached by their names, without a walk along the
+/// whole path for each. Without one (the default) names are paths.
+class OpenDirectory {
+public:
+    OpenDirectory() = default;
+
+    /// Throws what `failureOfErrno` makes.
+    explicit OpenDirectory(std::filesystem::path path);
+
+    /// For the calls of the system that end in "at".
+    [[nodiscard]] int descriptor() const { return opened_.isOpen() ? opened_.get() : AT_FDCWD; }
+
+    [[nodiscard]] bool isOpen() const { return opened_.isOpen(); }
+
+    [[nodiscard]] std::filesystem::path pathOf(const std::string& name) const {
+        return path_ / name;
+    }
+
+private:
+    std::filesystem::path path_;
+    Descriptor opened_;
+};
+
+} // namespace tandolin::platform
