@@ -43,144 +43,97 @@ Text letters(std::size_t count, char16_t last = u'x') {
     return text.substr(text.size() - count);
 }
 
-/// A phone row in the main table and an organizer row that was just read, equal but for `change`.
-struct Case {
-    const char* name;
-    void (*change)(Rows& phone, Rows& organizer);
-    bool same;
-};
-
-bool meets(const Case& c) {
-    Rows main;
-    Rows candidate;
-    fillRow(main, CONST_ENTRY_vCAL_MOBILE, u"1");
-    fillRow(candidate, CONST_ENTRY_vCAL_PIM, u"uid");
-    c.change(main, candidate);
-    return vCalFindCompare(main, candidate, Date{0});
-}
-
 void setTexts(Rows& phone, Rows& organizer, TextView phoneText, TextView organizerText) {
     phone.set(cal::Text, phoneText);
     organizer.set(cal::Text, organizerText);
 }
 
+/// A row from its kind, time, text and, with a day, its series: "1 09:00 Kino |W22".
+void fillRowFrom(Rows& row, std::int32_t entryType, TextView key, TextView line) {
+    fillRow(row, entryType, key);
+    const std::size_t bar = line.find(u" |");
+    row.set(cal::Typ, line.front() == u'0' ? u"" : line.substr(0, 1));
+    row.set(cal::StartTime, line.substr(2, 5));
+    row.set(cal::StartAsText, u"22.11.2026 " + Text(line.substr(2, 5)));
+    row.set(cal::Text, line.substr(8, bar - 8));
+    if (bar != TextView::npos) {
+        makeSeries(row, line.substr(bar + 2, 1));
+        row.set(cal::PimRecPattString, Text(line.substr(bar + 3)) + u".11.2026");
+    }
+}
+
+struct Pair {
+    Rows main, candidate;
+
+    Pair(TextView phone, TextView organizer) {
+        fillRowFrom(main, CONST_ENTRY_vCAL_MOBILE, u"1", phone);
+        fillRowFrom(candidate, CONST_ENTRY_vCAL_PIM, u"uid", organizer);
+    }
+
+    bool meets() { return vCalFindCompare(main, candidate, Date{0}); }
+};
+
 } // namespace
 
 TEST_CASE("Which phone row and which organizer item are one entry") {
     const FreshProgram program;
+    const Text memo = u"0 09:00 ", call = u"3 09:00 ", a32 = letters(32), a40 = letters(40);
+
+    // clang-format off
+    struct Case { const char* name; Text phone, organizer; bool same; };
     for (const Case& c : std::to_array<Case>({
-             {"equal", [](Rows&, Rows&) {}, true},
-             {"the case of the text is no difference",
-              [](Rows& p, Rows& o) { setTexts(p, o, u"zahnarzt", u"ZAHNARZT"); }, true},
-             {"both texts empty", [](Rows& p, Rows& o) { setTexts(p, o, u"", u""); }, true},
-             {"one text empty", [](Rows& p, Rows& o) { setTexts(p, o, u"", u"Kino"); }, false},
-             {"the phone's cut text",
-              [](Rows& p, Rows& o) { setTexts(p, o, letters(32), letters(32) + u"tail"); }, true},
-             {"32 characters on both sides, another tail",
-              [](Rows& p, Rows& o) { setTexts(p, o, letters(32) + u"b", letters(32) + u"c"); },
+             {"the case of the text is no difference", memo + u"zahnarzt", memo + u"ZAHNARZT",
               true},
-             {"31 against 40 characters",
-              [](Rows& p, Rows& o) { setTexts(p, o, letters(31), letters(31) + u"123456789"); },
+             {"one text empty", memo, memo + u"Kino", false},
+             {"the phone's cut text", memo + a32, memo + a32 + u"tail", true},
+             {"32 characters, another tail", memo + a32 + u"b", memo + a32 + u"c", true},
+             {"31 against 40 characters", memo + letters(31), memo + letters(31) + u"123456789",
               false},
-             {"a difference at the 32nd character",
-              [](Rows& p, Rows& o) { setTexts(p, o, letters(32, u'y'), letters(32) + u"tail"); },
+             {"the 32nd character differs", memo + letters(32, u'y'), memo + a32 + u"tail", false},
+             {"an anniversary meets a plain item", u"2 09:00 Eva", memo + u"Eva", true},
+             {"a call meets a plain item", call + u"030", memo + u"030", true},
+             {"a phone meeting does not meet a plain item", u"1 09:00 A", memo + u"A", false},
+             {"a memo does not meet a meeting", memo + u"A", u"1 09:00 A", false},
+             {"two meetings", u"1 09:00 A", u"1 09:00 A", true},
+             {"an unknown kind meets nothing", u"7 09:00 A", memo + u"A", false},
+             {"a long call: 40 characters count", call + a40, memo + a40 + u"1", true},
+             {"a call's 33rd character counts", call + letters(33, u'y'), memo + letters(33),
               false},
-             {"an anniversary meets a plain item",
-              [](Rows& p, Rows&) { p.set(cal::Typ, u"2"); }, true},
-             {"a call meets a plain item", [](Rows& p, Rows&) { p.set(cal::Typ, u"3"); }, true},
-             {"a phone meeting does not meet a plain item",
-              [](Rows& p, Rows&) { p.set(cal::Typ, u"1"); }, false},
-             {"a memo does not meet a meeting", [](Rows&, Rows& o) { o.set(cal::Typ, u"1"); },
-              false},
-             {"two meetings",
-              [](Rows& p, Rows& o) {
-                  p.set(cal::Typ, u"1");
-                  o.set(cal::Typ, u"1");
-              },
-              true},
-             {"an unknown kind meets nothing", [](Rows& p, Rows&) { p.set(cal::Typ, u"7"); },
-              false},
-             {"a long call: 40 characters count",
-              [](Rows& p, Rows& o) {
-                  p.set(cal::Typ, u"3");
-                  setTexts(p, o, letters(40), letters(40) + u"1");
-              },
-              true},
-             {"a call's 33rd character counts",
-              [](Rows& p, Rows& o) {
-                  p.set(cal::Typ, u"3");
-                  setTexts(p, o, letters(33, u'y'), letters(33));
-              },
-              false},
-             {"a number with a plus has one character more",
-              [](Rows& p, Rows& o) {
-                  p.set(cal::Typ, u"3");
-                  setTexts(p, o, u"+" + letters(40, u'y'), u"+" + letters(40));
-              },
-              false},
-             {"another minute",
-              [](Rows&, Rows& o) {
-                  o.set(cal::StartAsText, dateAsText(at(2026, 11, 22, 9, 1)));
-                  o.set(cal::StartTime, u"09:01");
-              },
-              false},
-             {"a series and a single entry", [](Rows& p, Rows&) { makeSeries(p, u"W"); }, false},
-             {"two series of one kind and anchor",
-              [](Rows& p, Rows& o) {
-                  makeSeries(p, u"W");
-                  makeSeries(o, u"W");
-              },
-              true},
-             {"a weekly and a monthly series",
-              [](Rows& p, Rows& o) {
-                  makeSeries(p, u"W");
-                  makeSeries(o, u"M");
-              },
-              false},
-             {"series by their anchor, whatever date is shown",
-              [](Rows& p, Rows& o) {
-                  makeSeries(p, u"W");
-                  makeSeries(o, u"W");
-                  o.set(cal::StartAsText, u"01.12.2026 09:00");
-              },
-              true},
-             {"another anchor",
-              [](Rows& p, Rows& o) {
-                  makeSeries(p, u"W");
-                  makeSeries(o, u"W");
-                  o.set(cal::PimRecPattString, u"15.11.2026");
-              },
-              false},
-             {"a series at another time of day",
-              [](Rows& p, Rows& o) {
-                  makeSeries(p, u"W");
-                  makeSeries(o, u"W");
-                  o.set(cal::StartTime, u"10:00");
-              },
-              false},
-             {"two rows of one side",
-              [](Rows& p, Rows&) { p.set(cal::EntryType, CONST_ENTRY_vCAL_PIM); }, false},
-             {"a paired row is taken only by its own key",
-              [](Rows& p, Rows&) { p.set(cal::EntryType, CONST_ENTRY_vCAL_BOTH); }, false},
-             {"a paired row and its own item again",
-              [](Rows& p, Rows& o) {
-                  p.set(cal::EntryType, CONST_ENTRY_vCAL_BOTH);
-                  p.set(cal::UID, o[cal::UID]);
-              },
-              true},
-             {"no identity at all is no identity",
-              [](Rows& p, Rows& o) {
-                  p.set(cal::EntryType, CONST_ENTRY_vCAL_BOTH);
-                  for (Rows* row : {&p, &o}) {
-                      row->set(cal::UID, u"");
-                      row->set(cal::EntryID, u"");
-                  }
-              },
-              false},
+             {"a number with a plus has one more", call + u"+" + letters(40, u'y'), memo + u"+" +
+              a40, false},
+             {"another minute", memo + u"A", u"0 09:01 A", false},
+             {"a series and a single entry", memo + u"A |W22", memo + u"A", false},
+             {"two series of one kind and anchor", memo + u"A |W22", memo + u"A |W22", true},
+             {"a weekly and a monthly series", memo + u"A |W22", memo + u"A |M22", false},
+             {"another anchor", memo + u"A |W22", memo + u"A |W15", false},
+             {"a series at another time of day", memo + u"A |W22", u"0 10:00 A |W22", false},
          })) {
+        // clang-format on
         CAPTURE(c.name);
-        CHECK(meets(c) == c.same);
+        CHECK(Pair(c.phone, c.organizer).meets() == c.same);
     }
+}
+
+TEST_CASE("Sides, pairs and what is shown decide too") {
+    const FreshProgram program;
+    Pair shown(u"0 09:00 A |W22", u"0 09:00 A |W22"); // series go by their anchor
+    shown.candidate.set(cal::StartAsText, u"01.12.2026 09:00");
+    CHECK(shown.meets());
+    Pair oneSide(u"0 09:00 A", u"0 09:00 A");
+    CHECK(oneSide.meets());
+    oneSide.main.set(cal::EntryType, CONST_ENTRY_vCAL_PIM);
+    CHECK_FALSE(oneSide.meets());
+    // A paired row is taken only by its own key.
+    Pair paired(u"0 09:00 A", u"0 09:00 A");
+    paired.main.set(cal::EntryType, CONST_ENTRY_vCAL_BOTH);
+    CHECK_FALSE(paired.meets());
+    paired.main.set(cal::UID, paired.candidate[cal::UID]);
+    CHECK(paired.meets());
+    for (Rows* row : {&paired.main, &paired.candidate}) { // no identity at all is no identity
+        row->set(cal::UID, u"");
+        row->set(cal::EntryID, u"");
+    }
+    CHECK_FALSE(paired.meets());
 }
 
 TEST_CASE("A call that was just read enters the call's rule whatever the lengths") {
@@ -227,18 +180,13 @@ TEST_CASE("EntryTypeCheck: the mask of kinds") {
     Rows row;
     fillRow(row, CONST_ENTRY_vCAL_PIM, u"uid");
 
-    struct Kind {
-        TextView typ;
-        std::int16_t bit;
-    };
-
-    for (const Kind& kind :
-         std::to_array<Kind>({{u"", 1}, {u"1", 2}, {u"2", 4}, {u"3", 8}, {u"4", 0}, {u"x", 0}})) {
-        row.set(cal::Typ, kind.typ);
+    for (const auto& [typ, bit] :
+         {std::pair{u"", 1}, {u"1", 2}, {u"2", 4}, {u"3", 8}, {u"4", 0}, {u"x", 0}}) {
+        row.set(cal::Typ, typ);
         for (std::int16_t mask = 0; mask < 64; ++mask) {
             CAPTURE(mask);
-            CAPTURE(kind.bit);
-            CHECK(EntryTypeCheck(mask, row) == ((mask & 32) != 0 || (mask & kind.bit) != 0));
+            CAPTURE(bit);
+            CHECK(EntryTypeCheck(mask, row) == ((mask & 32) != 0 || (mask & bit) != 0));
         }
     }
 }

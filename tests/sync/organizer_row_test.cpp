@@ -75,17 +75,9 @@ TEST_CASE("Meetings and reminders") {
 }
 
 TEST_CASE("The organizer's series as the phone's kinds") {
-    struct Series {
-        const char* name;
-        OlRecurrence kind;
-        int interval;
-        TextView model;
-        TextView type; ///< empty: read as single
-        TextView frequenz;
-        std::int64_t intervall;
-        TextView modKey;
-    };
-
+    // clang-format off
+    struct Series { const char* name; OlRecurrence kind; int interval; TextView model, type,
+     frequenz; std::int64_t intervall; TextView modKey; };
     for (const Series& s : std::to_array<Series>({
              {"daily", OlRecurrence::daily, 1, u"", u"D", u"D", 1, u""},
              {"every third day", OlRecurrence::daily, 3, u"", u"D", u"D", 1, u""},
@@ -99,6 +91,7 @@ TEST_CASE("The organizer's series as the phone's kinds") {
              {"yearly on an old phone", OlRecurrence::yearly, 1, u"R55", u"Y", u"Y", 1, u""},
              {"anything else", OlRecurrence::other, 1, u"", u"", u"", 0, u""},
          })) {
+        // clang-format on
         CAPTURE(s.name);
         const FreshProgram program;
         app.phone.MobileModel = s.model;
