@@ -1,9 +1,10 @@
 #include "support/fresh_program.h"
+#include "support/reports.h"
 
 #include <set>
 
 using namespace tandolin;
-using tandolin::testing::FreshProgram;
+using namespace tandolin::testing;
 
 namespace {
 
@@ -30,14 +31,6 @@ struct Speaking : FreshProgram {
         app.settings.HomeDir = u"/home/me";
     }
 };
-
-int reports = 0;
-Failure lastReport;
-
-void record(const Failure& failure, TextView, Place) {
-    ++reports;
-    lastReport = failure;
-}
 
 } // namespace
 
@@ -71,33 +64,32 @@ TEST_CASE("the language comes from the locale where the setting has none") {
 
 TEST_CASE("a library that is not there is told once, and German stands") {
     Speaking program;
-    reports = 0;
-    app.core.programErrorHook = record;
+    keepReports();
     app.strings.set(453, u"Cancel");
     setStartLanguage();
-    CHECK(reports == 1);
-    CHECK(lastReport.Number == 2);
-    CHECK(lastReport.Description == u"/home/me\\Lng\\TDLRES0407.dllCannot load Resource DLL: ");
+    CHECK(reports.size() == 1);
+    CHECK(reports.back().failure.Number == 2);
+    CHECK(reports.back().failure.Description ==
+          u"/home/me\\Lng\\TDLRES0407.dllCannot load Resource DLL: ");
     CHECK(tr({453}) == u"Abbrechen");
     CHECK(program.library.freed == 0);
 }
 
 TEST_CASE("texts before a missing id are new, the others keep what they were") {
     Speaking program;
-    reports = 0;
-    app.core.programErrorHook = record;
+    keepReports();
     program.library.path = u"/home/me\\Lng\\TDLRES0407.dll";
     for (const GermanText& row : kGermanTexts) {
         program.library.texts[row.id] = u"T" + decimal(row.id) + Text(u"\0rest", 5);
     }
     setStartLanguage();
-    CHECK(reports == 0);
+    CHECK(reports.empty());
     CHECK(tr({949}) == u"T949");
 
     program.library.texts.erase(500);
     app.strings.loadGerman();
     LoadLanguageStrings();
-    CHECK(reports == 1);
+    CHECK(reports.size() == 1);
     CHECK(tr({499}) == u"T499");
     CHECK(tr({500}) == u"Straße");
     CHECK(program.library.freed == 7);
