@@ -67,20 +67,6 @@ TEST_CASE("a new contact row") {
     CHECK(valuesOf(table) == Names{"TransferMode=1", "Recordset=RSContacts"});
 }
 
-TEST_CASE("rows of both layouts are copied in every field") {
-    const FreshProgram program;
-    Table<Contact> source;
-    vCardCreateNewRecord(source);
-    source.set(con::PIMLastName, u"Meier");
-    source.set(con::MobileCategoriesText, u"VIP");
-    Table<Contact> target;
-    vCardCreateNewRecord(target);
-    target.set(con::EntryID, u"5");
-    CopyFromRecordset(target, source);
-    CHECK(valuesOf(target) == valuesOf(source));
-    CHECK(nullsOf(target) == nullsOf(source));
-}
-
 TEST_CASE("cleared series fields: texts are empty, numbers are not set") {
     const FreshProgram program;
     Table<Calendar> table;
@@ -112,17 +98,6 @@ TEST_CASE("emptying a table, also an empty one, and a series has no rows of its 
     ClearRecordSet(table);
     CHECK(table.isEmpty());
     CHECK(table.atEnd());
-}
-
-TEST_CASE("a fresh start leaves neither rows nor filters") {
-    const FreshProgram program;
-    vCalCreateNewRecord(tables.RSCalendar);
-    tables.RSCalendar.setFilter([](const Row&) { return false; });
-    tables.clearAll();
-    CHECK(tables.RSCalendar.isEmpty());
-    vCalCreateNewRecord(tables.RSCalendar);
-    tables.RSCalendar.MoveFirst();
-    CHECK_FALSE(tables.RSCalendar.atEnd());
 }
 
 TEST_CASE("all tables are made behind the log's, and that tables can be made is noted") {
