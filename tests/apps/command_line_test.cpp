@@ -35,29 +35,11 @@ std::string flagsOf(const CoreState& core) {
     return set;
 }
 
-struct Files : HomeFiles {
-    Text opened;
-
-    void ensureWritable(TextView) override {}
-
-    void write(TextView, TextView) override {}
-
-    void openTrace(TextView path) override { opened = path; }
-
-    void append(TextView) override {}
-
-    void closeTrace() override {}
-};
-
 } // namespace
 
 TEST_CASE("The words of the command line") {
-    struct Case {
-        TextView line;
-        const char* flags;
-        TextView caller;
-    };
-
+    // clang-format off
+    struct Case { TextView line; const char* flags; TextView caller; };
     for (const Case& c : std::to_array<Case>({
              {u"", "", u""},
              {u"d", "show ", u""},
@@ -71,6 +53,7 @@ TEST_CASE("The words of the command line") {
              {u"xCALLER=a=b", "caller ", u"A=B"},
              {u"CALLER=", "caller ", u""},
          })) {
+        // clang-format on
         CAPTURE(toUtf8(c.line));
         const FreshProgram program;
         app.core.GlobalCommandKill = kTrue; // of an earlier run
@@ -118,21 +101,6 @@ TEST_CASE("TIMER") {
         }
         CHECK(app.core.GlobalProgramFehler == (c.failure ? 1 : 0));
     }
-}
-
-TEST_CASE("DEBUG opens the trace and tells the call") {
-    FreshProgram program;
-    Files files;
-    app.ports.files = &files;
-    app.settings.HomeDir = u"/home/me";
-    app.core.programPath = u"/bin/halverntandolin";
-    app.core.commandLine = u"debug vcal";
-    app.core.callLine = u"debug --json vcal";
-    TDLCommandLine();
-    CHECK(files.opened == u"/home/me\\TDLDebug.txt");
-    REQUIRE(program.screen.boxesShown.size() == 1);
-    CHECK(program.screen.boxesShown.front() ==
-          u"Debug: Aufrufstring = /bin/halverntandolin debug --json vcal");
 }
 
 TEST_CASE("Words that are none are known as such") {

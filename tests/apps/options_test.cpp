@@ -17,15 +17,13 @@ struct Case {
 } // namespace
 
 TEST_CASE("Options in any case and place, with a blank or an equals sign") {
+    // clang-format off
     for (const Case& c : std::vector<Case>{
-             {"behind the word",
-              {"VCAL", "--phone", "dir:p"},
+             {"behind the word", {"VCAL", "--phone", "dir:p"},
               [](const Options& o) { return o.phone == "dir:p" && o.words.size() == 1; }},
              {"equals sign, any case",
-              {"--PHONE=dir:p", "VCAL"},
-              [](const Options& o) { return o.phone == "dir:p"; }},
-             {"the value keeps its case and its signs",
-              {"--Organizer", "folder:/A b?calendar=X"},
+              {"--PHONE=dir:p", "VCAL"}, [](const Options& o) { return o.phone == "dir:p"; }},
+             {"the value keeps its case and its signs", {"--Organizer", "folder:/A b?calendar=X"},
               [](const Options& o) { return o.organizer == "folder:/A b?calendar=X"; }},
              {"several settings",
               {"--set", "SyncTyp=1", "VCAL", "--set=SyncEintraegevonbis=a=b"},
@@ -34,8 +32,7 @@ TEST_CASE("Options in any case and place, with a blank or an equals sign") {
                          o.words == std::vector<std::string>{"VCAL"};
               }},
              {"an empty value",
-              {"--set", "HomeDir="},
-              [](const Options& o) { return o.settings[0].second.empty(); }},
+              {"--set", "HomeDir="}, [](const Options& o) { return o.settings[0].second.empty(); }},
              {"flags",
               {"--dry-run", "--JSON", "--accept-empty-phone", "--no-backup", "--quiet"},
               [](const Options& o) {
@@ -43,12 +40,10 @@ TEST_CASE("Options in any case and place, with a blank or an equals sign") {
               }},
              {"no limit", {"VCAL"}, [](const Options& o) { return o.maxRemove < 0; }},
              {"all is no limit",
-              {"--max-remove", "ALL"},
-              [](const Options& o) { return o.maxRemove < 0; }},
+              {"--max-remove", "ALL"}, [](const Options& o) { return o.maxRemove < 0; }},
              {"none may go", {"--max-remove=0"}, [](const Options& o) { return o.maxRemove == 0; }},
              {"the answer in any case",
-              {"--answer", "YES"},
-              [](const Options& o) { return o.answer == "yes"; }},
+              {"--answer", "YES"}, [](const Options& o) { return o.answer == "yes"; }},
              {"files behind --inspect",
               {"--emit", "--Inspect", "a.vcs", "--json", "VCAL"},
               [](const Options& o) {
@@ -56,6 +51,7 @@ TEST_CASE("Options in any case and place, with a blank or an equals sign") {
                          o.files == std::vector<std::string>{"a.vcs", "VCAL"};
               }},
          }) {
+        // clang-format on
         CAPTURE(c.name);
         const Parsed parsed = parseOptions(c.arguments);
         CHECK_FALSE(parsed.exit.has_value());
@@ -64,12 +60,8 @@ TEST_CASE("Options in any case and place, with a blank or an equals sign") {
 }
 
 TEST_CASE("What ends the program at once") {
-    struct End {
-        std::vector<std::string> arguments;
-        int exit;
-        const char* words;
-    };
-
+    // clang-format off
+    struct End { std::vector<std::string> arguments; int exit; const char* words; };
     for (const End& e : std::vector<End>{
              {{"--help"}, 0, "--max-remove"},
              {{"VCAL", "--VERSION"}, 0, "halverntandolin "},
@@ -83,6 +75,7 @@ TEST_CASE("What ends the program at once") {
              {{"--Restore", "DIR"}, 2, "not available"},
              {{"--list-ports"}, 2, "not available"},
          }) {
+        // clang-format on
         CAPTURE(e.words);
         const Parsed parsed = parseOptions(e.arguments);
         CHECK(parsed.exit == e.exit);

@@ -114,19 +114,11 @@ TEST_CASE("How a silent run ends") {
              {"done", [](Started&) {}, ExitStatus::done, 1, true},
              {"a dry run leaves no log", [](Started&) { app.run.dryRun = true; }, ExitStatus::done,
               1, false},
-             {"without its span",
-              [](Started& p) {
-                  p.settings.keys[{SettingsRoot::user, Text(kSettingsKey)}].erase(
-                      u"SyncEintraegevonbis");
-              },
-              ExitStatus::startFailed, 0, false},
              {"a number that is a text",
               [](Started& p) { p.set(u"SyncTyp", SettingValue(Text(u"two"))); },
               ExitStatus::startFailed, 0, false},
              {"no lock", [](Started& p) { p.instances.fails = true; }, ExitStatus::startFailed, 0,
               false},
-             {"another instance", [](Started& p) { p.instances.previous = true; },
-              ExitStatus::otherInstance, 0, false},
              {"a home that cannot be written", [](Started& p) { p.files.unwritable = true; },
               ExitStatus::startFailed, 0, false},
              {"no phone server",
@@ -141,21 +133,12 @@ TEST_CASE("How a silent run ends") {
                   p.phone.fault = {1, {failure_number::kServerGone, u"gone"}, true};
               },
               ExitStatus::phone, 0, true},
-             {"no organizer",
-              [](Started&) {
-                  app.ports.makeOrganizer = []() -> std::unique_ptr<Organizer> {
-                      throw Failure(failure_number::kNotFound, u"none");
-                  };
-              },
-              ExitStatus::organizer, 0, true},
              {"an organizer without a calendar",
               [](Started& p) {
                   p.organizer.fault = {5, {failure_number::kOrganizer, u"gone"}, true};
               },
               ExitStatus::organizer, 0, true},
              {"an organizer of an old version", [](Started& p) { p.organizer.version = u"7.9"; },
-              ExitStatus::organizer, 0, true},
-             {"NOORG", [](Started&) { app.core.commandLine = u"VCAL NOORG"; },
               ExitStatus::organizer, 0, true},
              {"nothing to kill", [](Started&) { app.core.commandLine = u"VCAL KILL"; },
               ExitStatus::done, 0, false},

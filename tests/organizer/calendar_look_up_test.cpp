@@ -8,14 +8,8 @@ using namespace tandolin;
 using namespace tandolin::testing;
 
 TEST_CASE("An entry of the phone is looked up at its start, whatever the frame") {
-    struct Case {
-        const char* name;
-        Date phone;
-        Date organizer;
-        TextView subject;
-        bool found;
-    };
-
+    // clang-format off
+    struct Case { const char* name; Date phone, organizer; TextView subject; bool found; };
     for (const Case& c : std::to_array<Case>({
              {"equal start", at(2020, 1, 5, 9), at(2020, 1, 5, 9), u"ZAHNARZT", true},
              {"at midnight", at(2020, 1, 5), at(2020, 1, 5), u"Zahnarzt", true},
@@ -23,6 +17,7 @@ TEST_CASE("An entry of the phone is looked up at its start, whatever the frame")
              {"another text", at(2020, 1, 5, 9), at(2020, 1, 5, 9), u"Kino", false},
              {"another day", at(2020, 1, 5, 9), at(2020, 1, 6, 9), u"Zahnarzt", false},
          })) {
+        // clang-format on
         CAPTURE(c.name);
         OrganizerWorld world;
         world.organizer.add(u"uid", c.organizer, c.subject);

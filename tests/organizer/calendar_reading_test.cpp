@@ -125,23 +125,16 @@ TEST_CASE("TestOLCalFolder") {
 TEST_CASE("ClearOutlookFromGrid takes the organizer's side out") {
     const OrganizerWorld world;
 
-    struct Sides {
-        const char16_t* text;
-        Date start;
-        bool phone;
-        bool organizer;
-    };
-
-    for (const Sides& s : std::to_array<Sides>({{u"o1", at(2026, 11, 24), false, true},
-                                                {u"o2", at(2026, 11, 24), false, true},
-                                                {u"p", at(2026, 11, 24), true, false},
-                                                {u"in", at(2026, 11, 24), true, true},
-                                                {u"out", at(2027, 11, 24), true, true},
-                                                {u"o3", at(2027, 11, 24), false, true}})) {
-        Table<Calendar>& row = phoneRow(s.start, s.text);
-        row.set(cal::Mobile, s.phone);
-        row.set(cal::PIM, s.organizer);
-        row.set(cal::EntryType, s.phone && s.organizer ? 3 : (s.phone ? 2 : 1));
+    for (const auto& [text, year, type] : {std::tuple{u"o1", 2026, 1},
+                                           {u"o2", 2026, 1},
+                                           {u"p", 2026, 2},
+                                           {u"in", 2026, 3},
+                                           {u"out", 2027, 3},
+                                           {u"o3", 2027, 1}}) {
+        Table<Calendar>& row = phoneRow(at(year, 11, 24), text);
+        row.set(cal::Mobile, type != 1);
+        row.set(cal::PIM, type != 2);
+        row.set(cal::EntryType, type);
         row.set(cal::creafromMob, true);
     }
     app.organizer.vCalPIMCount = 5;

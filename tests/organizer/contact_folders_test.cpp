@@ -55,15 +55,3 @@ TEST_CASE("InitContactFolder: the stored folder, else the first that opens") {
         CHECK(app.core.GlobalProgramFehler == 1);
     }
 }
-
-TEST_CASE("PreSetFolderArray holds only the folder in use") {
-    const OrganizerWorld world;
-    app.organizer.GlobalFolderList = {folder(u"a", 2), folder(u"b", 2)};
-    CHECK(PreSetFolderArray());
-    CHECK(app.organizer.GlobalFolderList.size() == 1);
-    CHECK(app.organizer.GlobalFolderList.front().Name.empty());
-    app.organizer.GlobalContactFolder = folder(u"c", 2, {folder(u"d", 2)});
-    CHECK(PreSetFolderArray());
-    CHECK(app.organizer.GlobalFolderList.front().Name == u"c");
-    CHECK(app.organizer.GlobalFolderList.front().Folders.empty());
-}
