@@ -2,7 +2,8 @@
 
 #include <sys/stat.h>
 
-#include <array>
+#include <string>
+#include <tuple>
 
 using namespace tandolin;
 using namespace tandolin::testing;
@@ -112,25 +113,17 @@ TEST_CASE("links in the place of directories and status files") {
     const ScratchFolder outside;
     const fs::path telecom = folder.path / "telecom";
 
-    struct Case {
-        const char* name;
-        Text read;
-        std::int32_t number;
-    };
-
-    for (const Case& c : std::to_array<Case>({
-             {"cal", u"\\telecom\\cal\\info.log", failure_number::kAccessDenied},
-             {"cal/info.log", u"\\telecom\\cal\\info.log", failure_number::kAccessDenied},
-             {"devinfo.txt", u"\\telecom\\devinfo.txt", failure_number::kAccessDenied},
-         })) {
-        CAPTURE(c.name);
+    for (const std::string name : {"cal", "cal/info.log", "devinfo.txt"}) {
+        CAPTURE(name);
         outside.put("info.log", "MAXIMUM-RECORDS:1\r\n");
-        fs::rename(telecom / c.name, outside.path / "kept");
-        fs::create_symlink(outside.path, telecom / c.name);
+        fs::rename(telecom / name, outside.path / "kept");
+        fs::create_symlink(outside.path, telecom / name);
         DirectoryPhone phone = folder.phone();
-        CHECK(failureIn([&] { phone.PXDRead(c.read); }).Number == c.number);
-        fs::remove(telecom / c.name);
-        fs::rename(outside.path / "kept", telecom / c.name);
+        const Text read =
+            name == "devinfo.txt" ? u"\\telecom\\devinfo.txt" : u"\\telecom\\cal\\info.log";
+        CHECK(failureIn([&] { phone.PXDRead(read); }).Number == failure_number::kAccessDenied);
+        fs::remove(telecom / name);
+        fs::rename(outside.path / "kept", telecom / name);
     }
     outside.put("elsewhere/cal/1.vcs", "x");
     fs::rename(telecom, outside.path / "telecom");
@@ -141,24 +134,18 @@ TEST_CASE("links in the place of directories and status files") {
 }
 
 TEST_CASE("patterns of a listing") {
-    struct Case {
-        TextView name, pattern;
-        bool matches;
-    };
-
-    for (const Case& c : std::to_array<Case>({
-             {u"17.VCS", u"*.vcs", true},
-             {u"17.vcs", u"*", true},
-             {u"17.vcs", u"1?.vcs", true},
-             {u"17.vcs", u"1*7*s", true},
-             {u"17.vcs", u"17.vcs*", true},
-             {u"17.vcs", u"*.vcf", false},
-             {u"17.vcs", u"?.vcs", false},
-             {u"17.vcs", u"", false},
-             {u"", u"**", true},
-         })) {
-        CAPTURE(toUtf8(c.name));
-        CAPTURE(toUtf8(c.pattern));
-        CHECK(platform::matchesPattern(c.name, c.pattern) == c.matches);
+    for (const auto& [name, pattern, matches] :
+         std::vector<std::tuple<Text, Text, bool>>{{u"17.VCS", u"*.vcs", true},
+                                                   {u"17.vcs", u"*", true},
+                                                   {u"17.vcs", u"1?.vcs", true},
+                                                   {u"17.vcs", u"1*7*s", true},
+                                                   {u"17.vcs", u"17.vcs*", true},
+                                                   {u"17.vcs", u"*.vcf", false},
+                                                   {u"17.vcs", u"?.vcs", false},
+                                                   {u"17.vcs", u"", false},
+                                                   {u"", u"**", true}}) {
+        CAPTURE(name);
+        CAPTURE(pattern);
+        CHECK(platform::matchesPattern(name, pattern) == matches);
     }
 }

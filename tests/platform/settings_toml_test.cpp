@@ -1,6 +1,8 @@
 #include "platform/scratch_directory.h"
 #include "support/fresh_program.h"
 
+#include <map>
+
 #include "core/registry.h"
 #include "platform/settings_toml/toml_settings.h"
 
@@ -30,10 +32,20 @@ struct Files {
     }
 };
 
+/// A store that has read what is there.
+struct Loaded : TomlSettings {
+    explicit Loaded(const Files& files, Mode mode = Mode::readWrite)
+        : TomlSettings(files.user, files.machine, mode) {
+        load();
+    }
+};
+
 void writeSetting(TomlSettings& store, TextView name, const SettingValue& value) {
     store.create(SettingsRoot::user, kSettingsKey);
     CHECK(store.write(SettingsRoot::user, kSettingsKey, name, value));
 }
+
+const SettingValue kFour = std::int64_t{4};
 
 std::optional<SettingValue> readSetting(TomlSettings& store, TextView name) {
     return store.read(SettingsRoot::user, kSettingsKey, name);
@@ -46,8 +58,7 @@ const std::string kTable = "[Software.Halvern.HalvernTandolin.Settings]\n";
 TEST_CASE("what was saved is there in the next run, for the owner only") {
     const Files files;
     {
-        TomlSettings store = files.run();
-        store.load();
+        Loaded store(files);
         CHECK_FALSE(store.exists(SettingsRoot::user, kSettingsKey));
         CHECK(store.create(SettingsRoot::user, kSettingsKey));
         CHECK_FALSE(store.create(SettingsRoot::user, kSettingsKey));
@@ -59,8 +70,7 @@ TEST_CASE("what was saved is there in the next run, for the owner only") {
     }
     CHECK(modeOf(files.user) == 0600);
     CHECK(modeOf(files.user.parent_path()) == 0700);
-    TomlSettings store = files.run();
-    store.load();
+    Loaded store(files);
     CHECK(readSetting(store, u"SyncTyp") == SettingValue(std::int64_t{-4}));
     CHECK(readSetting(store, u"FormFont") == SettingValue(Text(u"Grün \"1\"\t\\ \n😀")));
     CHECK_FALSE(readSetting(store, u"synctyp"));
@@ -70,22 +80,14 @@ TEST_CASE("what was saved is there in the next run, for the owner only") {
 TEST_CASE("other types count as texts in their spelling") {
     const Files files;
     files.putUser(kTable + "a = 8.5\nb = 2026-11-21\nc = true\nd = [1, 2]\ne = 0x10\nf = 'x'\n");
-    TomlSettings store = files.run();
-    store.load();
+    Loaded store(files);
 
-    struct Case {
-        TextView name;
-        SettingValue value;
-    };
-
-    for (const Case& c : {Case{u"a", Text(u"8.5")},
-                          {u"b", Text(u"2026-11-21")},
-                          {u"c", Text(u"true")},
-                          {u"d", Text(u"[ 1, 2 ]")},
-                          {u"e", std::int64_t{16}},
-                          {u"f", Text(u"x")}}) {
-        CAPTURE(Text(c.name));
-        CHECK(readSetting(store, c.name) == c.value);
+    const std::map<TextView, SettingValue> values{
+        {u"a", Text(u"8.5")},      {u"b", Text(u"2026-11-21")}, {u"c", Text(u"true")},
+        {u"d", Text(u"[ 1, 2 ]")}, {u"e", std::int64_t{16}},    {u"f", Text(u"x")}};
+    for (const auto& [name, value] : values) {
+        CAPTURE(Text(name));
+        CHECK(readSetting(store, name) == value);
     }
     CHECK_FALSE(store.read(SettingsRoot::user, u"Software\\Halvern", u"HalvernTandolin"));
 }
@@ -115,9 +117,8 @@ TEST_CASE("a save changes the lines of the changed values only") {
         CAPTURE(c.name);
         const Files files;
         files.putUser(c.before);
-        TomlSettings store = files.run();
-        store.load();
-        writeSetting(store, u"SyncTyp", std::int64_t{4});
+        Loaded store(files);
+        writeSetting(store, u"SyncTyp", kFour);
         writeSetting(store, u"FormFont", Text(u"Arial"));
         writeSetting(store, u"SaveTyp", std::int64_t{2});
         store.save();
@@ -135,14 +136,12 @@ TEST_CASE("a file of unusual layout keeps its values") {
         CAPTURE(layout);
         const Files files;
         files.putUser(layout);
-        TomlSettings store = files.run();
-        store.load();
-        writeSetting(store, u"SyncTyp", std::int64_t{4});
+        Loaded store(files);
+        writeSetting(store, u"SyncTyp", kFour);
         writeSetting(store, u"FormFont", Text(u"Arial"));
         store.save();
-        TomlSettings next = files.run();
-        next.load();
-        CHECK(readSetting(next, u"SyncTyp") == SettingValue(std::int64_t{4}));
+        Loaded next(files);
+        CHECK(readSetting(next, u"SyncTyp") == kFour);
         CHECK(readSetting(next, u"FormFont") == SettingValue(Text(u"Arial")));
         CHECK(next.connection(u"phone") == store.connection(u"phone"));
     }
@@ -153,17 +152,15 @@ TEST_CASE("nothing is written when nothing changed, and nothing at all in a dry 
     files.putUser(kTable + "SyncTyp=2\n");
     const auto before = std::filesystem::last_write_time(files.user) - std::chrono::hours(1);
     std::filesystem::last_write_time(files.user, before);
-    TomlSettings same = files.run();
-    same.load();
+    Loaded same(files);
     writeSetting(same, u"SyncTyp", std::int64_t{2});
     same.save();
     CHECK(std::filesystem::last_write_time(files.user) == before);
 
-    TomlSettings dry = files.run(TomlSettings::Mode::readOnly);
-    dry.load();
-    writeSetting(dry, u"SyncTyp", std::int64_t{4});
+    Loaded dry(files, TomlSettings::Mode::readOnly);
+    writeSetting(dry, u"SyncTyp", kFour);
     dry.save();
-    CHECK(readSetting(dry, u"SyncTyp") == SettingValue(std::int64_t{4}));
+    CHECK(readSetting(dry, u"SyncTyp") == kFour);
     CHECK(bytesOf(files.user) == kTable + "SyncTyp=2\n");
 }
 
@@ -173,9 +170,8 @@ TEST_CASE("a link to the settings stays a link") {
     const auto target = files.scratch.path / "elsewhere.toml";
     std::filesystem::rename(files.user, target);
     std::filesystem::create_symlink(target, files.user);
-    TomlSettings store = files.run();
-    store.load();
-    writeSetting(store, u"SyncTyp", std::int64_t{4});
+    Loaded store(files);
+    writeSetting(store, u"SyncTyp", kFour);
     store.save();
     CHECK(std::filesystem::is_symlink(files.user));
     CHECK(bytesOf(target).find("SyncTyp = 4") != std::string::npos);
@@ -211,45 +207,35 @@ TEST_CASE("a damaged file is told, kept aside once and never written over") {
 
         // The desktop goes on with defaults; the file is still there to be mended.
         CHECK_FALSE(store.seedFirstStart(kToday, u"/home/me"));
-        writeSetting(store, u"SyncTyp", std::int64_t{4});
+        writeSetting(store, u"SyncTyp", kFour);
         store.save();
         CHECK(bytesOf(files.user) == c.text);
     }
 }
 
-TEST_CASE("a damaged machine file is told, and the user's is read all the same") {
+TEST_CASE("what cannot be read is told: a directory, a value for a table, a damaged machine file") {
+    const Files blocked;
+    std::filesystem::create_directories(blocked.user);
+    CHECK(failureNumber([&] { blocked.run().load(); }) == failure_number::kFileFailed);
+    const Files flat;
+    flat.putUser("Software = 1\n");
+    Loaded flatStore(flat);
+    CHECK(failureNumber([&] { flatStore.create(SettingsRoot::user, kSettingsKey); }) ==
+          failure_number::kFileFailed);
     const Files files;
     files.putUser(kTable + "SyncTyp = 4\n");
     putBytes(files.machine, "broken");
     TomlSettings store = files.run();
     CHECK(failureNumber([&] { store.load(); }) == failure_number::kFileFailed);
-    CHECK(readSetting(store, u"SyncTyp") == SettingValue(std::int64_t{4}));
+    CHECK(readSetting(store, u"SyncTyp") == kFour);
     CHECK(files.scratch.count() == 2);
-}
-
-TEST_CASE("something else in the place of the file is told") {
-    const Files files;
-    std::filesystem::create_directories(files.user);
-    TomlSettings store = files.run();
-    CHECK(failureNumber([&] { store.load(); }) == failure_number::kFileFailed);
-}
-
-TEST_CASE("a value in the place of a table is a failure") {
-    const Files files;
-    files.putUser("Software = 1\n");
-    TomlSettings store = files.run();
-    store.load();
-    CHECK_FALSE(store.exists(SettingsRoot::user, u"Software"));
-    CHECK(failureNumber([&] { store.create(SettingsRoot::user, kSettingsKey); }) ==
-          failure_number::kFileFailed);
 }
 
 TEST_CASE("the connections of the user stand over those of the machine") {
     const Files files;
     files.putUser("[connection]\nphone = \"dir:/mine\"\n[ports]\nCOM1 = 7\n");
     putBytes(files.machine, "[connection]\nphone = \"dir:/all\"\norganizer = \"folder:/all\"\n");
-    TomlSettings store = files.run();
-    store.load();
+    Loaded store(files);
     CHECK(store.connection(u"phone") == u"dir:/mine");
     CHECK(store.connection(u"organizer") == u"folder:/all");
     CHECK(store.port(u"COM1") == u"7");
@@ -259,27 +245,23 @@ TEST_CASE("the connections of the user stand over those of the machine") {
 TEST_CASE("the first start is seeded, a later one is not") {
     const Files files;
     const Text span = u"2026-11-21\t2026-11-28 23:59:59";
-    TomlSettings dry = files.run(TomlSettings::Mode::readOnly);
-    dry.load();
+    Loaded dry(files, TomlSettings::Mode::readOnly);
     CHECK(dry.seedFirstStart(kToday, u"/home/me"));
     CHECK(readSetting(dry, u"SyncEintraegevonbis") == SettingValue(span));
     dry.save();
     CHECK_FALSE(std::filesystem::exists(files.user));
 
-    TomlSettings first = files.run();
-    first.load();
+    Loaded first(files);
     CHECK(first.seedFirstStart(kToday, u"/home/me"));
     first.save();
-    TomlSettings second = files.run();
-    second.load();
+    Loaded second(files);
     CHECK_FALSE(second.seedFirstStart(kToday, u"/home/you"));
     CHECK(readSetting(second, u"SyncEintraegevonbis") == SettingValue(span));
     CHECK(readSetting(second, u"HomeDir") == SettingValue(Text(u"/home/me")));
 
     const Files empty;
     empty.putUser("");
-    TomlSettings store = empty.run();
-    store.load();
+    Loaded store(empty);
     CHECK_FALSE(store.seedFirstStart(kToday, u"/home/me"));
 }
 
@@ -288,8 +270,7 @@ TEST_CASE("a value given for the run stands over the stored one and is never sav
     const Files files;
     files.putUser(kTable + "SyncTyp = 2\nSyncEintraegevonbis = \"2026-01-01\\t2026-01-02\"\n" +
                   "[Software.Halvern.Pxd]\nPORT = \"COM2\"\n");
-    TomlSettings store = files.run();
-    store.load();
+    Loaded store(files);
     app.ports.settings = &store;
     CHECK_FALSE(store.overrideSetting(u"SyncTyp", u"4", kToday));
     CHECK_FALSE(store.overrideSetting(u"PORT", u"COM9", kToday));
@@ -310,8 +291,7 @@ TEST_CASE("a value given for the run stands over the stored one and is never sav
 TEST_CASE("a given value supplies what a file lacks") {
     FreshProgram program;
     const Files files;
-    TomlSettings store = files.run(TomlSettings::Mode::readOnly);
-    store.load();
+    Loaded store(files, TomlSettings::Mode::readOnly);
     app.ports.settings = &store;
     CHECK(attempt([] { RegValGet(); }));
     CHECK_FALSE(store.overrideSetting(u"SyncEintraegevonbis", u"2026-02-01\t2026-02-03", kToday));
@@ -321,36 +301,28 @@ TEST_CASE("a given value supplies what a file lacks") {
 
 TEST_CASE("names and values given for the run are checked") {
     FreshProgram program;
-
-    struct Case {
-        TextView name;
-        TextView value;
-        bool taken;
-    };
-
     const Files files;
     TomlSettings store = files.run();
-    for (const Case& c : {Case{u"SyncTyp", u"4", true},
-                          {u"SyncTyp", u"-1", true},
-                          {u"SyncTyp", u"", false},
-                          {u"SyncTyp", u"vier", false},
-                          {u"SyncTyp", u"4.5", false},
-                          {u"SyncTyp", u"32768", false},
-                          {u"SyncTyp", u"99999999999999999999", false},
-                          {u"synctyp", u"4", false},
-                          {u"Unknown", u"4", false},
-                          {u"", u"4", false},
-                          {u"FormFontSize", u"8.5", true},
-                          {u"FormFontSize", u"1e99", false},
-                          {u"DelDate", u"2026-11-21", true},
-                          {u"DelDate", u"21.11.2026", true},
-                          {u"DelDate", u"32.11.2026", false},
-                          {u"FormFont", u"", true},
-                          {u"HomeDir", u"/home/me", true},
-                          {u"PORT", u"COM3", true}}) {
-        CAPTURE(Text(c.name));
-        CAPTURE(Text(c.value));
-        const auto wrong = store.overrideSetting(c.name, c.value, kToday);
-        CHECK(wrong.has_value() != c.taken);
+    using Given = std::vector<std::pair<TextView, TextView>>;
+    const Given taken{{u"SyncTyp", u"4"},          {u"SyncTyp", u"-1"},
+                      {u"FormFontSize", u"8.5"},   {u"DelDate", u"2026-11-21"},
+                      {u"DelDate", u"21.11.2026"}, {u"FormFont", u""},
+                      {u"HomeDir", u"/home/me"},   {u"PORT", u"COM3"}};
+    const Given refused{{u"SyncTyp", u""},
+                        {u"SyncTyp", u"vier"},
+                        {u"SyncTyp", u"4.5"},
+                        {u"SyncTyp", u"32768"},
+                        {u"SyncTyp", u"99999999999999999999"},
+                        {u"synctyp", u"4"},
+                        {u"Unknown", u"4"},
+                        {u"", u"4"},
+                        {u"FormFontSize", u"1e99"},
+                        {u"DelDate", u"32.11.2026"}};
+    for (const bool wanted : {true, false}) {
+        for (const auto& [name, value] : wanted ? taken : refused) {
+            CAPTURE(Text(name));
+            CAPTURE(Text(value));
+            CHECK(store.overrideSetting(name, value, kToday).has_value() != wanted);
+        }
     }
 }
