@@ -1,6 +1,5 @@
 #include "phone/phone_status.h"
 
-#include "core/trap.h"
 #include "support/fresh_program.h"
 
 #include <doctest/doctest.h>
@@ -30,8 +29,7 @@ TEST_CASE("SetStatusBarMobile: the three display states of each side") {
     const Text none = u" Kein Mobile";
     const Text phone = u" EXAMPLE X1";
     for (const Case& c : std::to_array<Case>({
-             {"nothing known", false, false, false, false, none, u" nicht verbunden",
-              u" Mobileeinträge belegt: ?"},
+
              {"lost after a read", false, true, true, true, none, u" nicht verbunden",
               u" Mobileeinträge belegt: ?"},
              {"calendar's capacity", true, false, false, true, phone, u" verbunden",
@@ -68,29 +66,4 @@ TEST_CASE("SetStatusBarMobile: the three display states of each side") {
         SetStatusBarMobile(c.contacts);
         CHECK(screen.panes.empty());
     }
-}
-
-TEST_CASE("SetStatusBarMobile: a window that fails is reported, never thrown") {
-    struct BrokenScreen : ScriptedScreen {
-        void pane(Pane, TextView) override { throw Failure(failure_number::kInternal, u"gone"); }
-    };
-
-    const FreshProgram program;
-    BrokenScreen screen;
-    static Text reportedBy;
-    app.ports.screen = {&screen, &screen, &screen};
-    app.core.GlobalSilentMode = kFalse;
-    app.core.programErrorHook = [](const Failure&, TextView, Place place) {
-        reportedBy = place.proc;
-    };
-    CHECK_FALSE(attempt([] { SetStatusBarMobile(false); }));
-    CHECK(reportedBy == u"SetStatusBarMobile");
-}
-
-TEST_CASE("SetStatusBarMobile without a window") {
-    const FreshProgram program;
-    app.core.GlobalSilentMode = kFalse;
-    app.ports.screen.window = nullptr;
-    SetStatusBarMobile(false);
-    CHECK(program.screen.boxesShown.empty());
 }
