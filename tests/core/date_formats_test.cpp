@@ -199,21 +199,6 @@ const std::map<LocaleItem, Text> kAmerican{{LocaleItem::dateSeparator, u"/"},
 
 } // namespace
 
-TEST_CASE("the formats of the run come from the locale") {
-    FreshProgram program;
-    ChosenLocale locale;
-    locale.answers = kAmerican;
-    app.ports.locale = &locale;
-    RegDateTimeFormatGet();
-    CHECK(app.formats.shortDate == u"M/d/yyyy");
-    CHECK(app.formats.shortTime == u"h:mm tt");
-    CHECK(app.formats.dateShortTime == u"M/d/yyyy h:mm tt");
-    CHECK(app.formats.timeMarker == u"PMAM");
-
-    CHECK(app.formats.dateEntryMask == u"##/##/#### ##:##:##");
-    CHECK_FALSE(app.formats.twentyFourHours);
-}
-
 TEST_CASE("a question without an answer is reported and the start values stay") {
     FreshProgram program;
 

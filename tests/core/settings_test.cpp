@@ -33,25 +33,6 @@ SettingValue number(std::int64_t value) {
 
 } // namespace
 
-TEST_CASE("values that are missing") {
-    Installed program;
-    app.settings.SyncTyp = 4;
-    app.settings.FormFont = u"left over";
-    RegValGet();
-    CHECK(app.settings.SyncTyp == 2);
-
-    CHECK(app.settings.SyncZeitraum == 3);
-
-    CHECK(app.settings.FormFont.empty());
-
-    CHECK(app.settings.DateRange == 6);
-    CHECK(app.settings.HomeDir == u"c:");
-
-    CHECK(app.settings.DelDate == at(2026, 11, 21));
-    CHECK(app.settings.SyncEintraegeab == at(2026, 11, 21));
-    CHECK(app.settings.GlobalRangeEnd == at(2026, 11, 27, 23, 59, 59));
-}
-
 TEST_CASE("numbers are corrected after reading") {
     struct Case {
         TextView name;

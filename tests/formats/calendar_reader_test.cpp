@@ -82,18 +82,6 @@ TEST_CASE("more frames than can be counted are a failure") {
     }
 }
 
-TEST_CASE("the object is shown in a box where that is asked for") {
-    FreshProgram program;
-    const Text object = eventOf({u"SUMMARY:a"});
-    Table<Calendar> table;
-    vCalCreateNewRecord(table);
-    CHECK(ParsEntryFromMobile(table, object));
-    CHECK(program.screen.boxesShown.empty());
-    app.core.GlobalCommandShowText = kTrue;
-    CHECK(ParsEntryFromMobile(table, object));
-    CHECK(program.screen.boxesShown == std::vector<Text>{object});
-}
-
 TEST_CASE("many folded lines are one value" * doctest::timeout(60)) {
     const FreshProgram program;
     Table<Calendar> table;

@@ -47,18 +47,6 @@ TEST_CASE("a mask as text, Sunday first") {
     }
 }
 
-TEST_CASE("bits and their numbers") {
-    CHECK(BitToDec(-3) == 1);
-
-    CHECK(BitToDec(6) == 64);
-    CHECK(BitToDec(30) == 1073741824);
-    CHECK_THROWS_AS(BitToDec(31), Failure);
-
-    CHECK(DecToBit(-4) == 0);
-    CHECK(DecToBit(1) == 0);
-    CHECK(DecToBit(40) == 3);
-}
-
 TEST_CASE("a week day is switched for another, or set where both are the same") {
     const Date monday = at(2026, 1, 5, 23, 59);
     const Date saturday = at(2026, 1, 10);

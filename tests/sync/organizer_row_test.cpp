@@ -28,31 +28,6 @@ struct ReadRow {
 
 } // namespace
 
-TEST_CASE("What an item tells becomes the row") {
-    const FreshProgram program;
-    const ReadRow row(item());
-    const Table<Calendar>& table = row.table;
-    CHECK(table[cal::Start] == at(2026, 11, 24, 9, 30));
-    CHECK(table[cal::DTStart] == table[cal::Start]);
-    CHECK(table[cal::StartDate] == at(2026, 11, 24));
-    CHECK(table[cal::StartTime] == u"09:30");
-    CHECK(table[cal::StartAsText] == u"24.11.2026 09:30");
-    CHECK(table[cal::EndDate] == at(2026, 11, 26));
-    CHECK(table[cal::EndTime] == timeOfDay(at(2026, 11, 26, 8, 0)));
-    CHECK(table[cal::StartEndDiff] == 2);
-    CHECK(table[cal::Text] == u"Zahnarzt");
-    CHECK(table[cal::Description] == u"Zahnarzt");
-    CHECK(table[cal::PIMText] == u"Zahnarzt");
-    CHECK(table[cal::UID] == u"uid");
-    CHECK(table[cal::EntryID] == u"uid");
-    CHECK(table[cal::EntryType] == CONST_ENTRY_vCAL_PIM);
-    CHECK(table[cal::PIM]);
-    CHECK_FALSE(table[cal::Mobile]);
-    CHECK_FALSE(table[cal::IsRecurring]);
-    CHECK(table[cal::CreationDate] == Date{40000});
-    CHECK(table[cal::noPhonecall]);
-}
-
 TEST_CASE("Meetings and reminders") {
     const FreshProgram program;
     for (const auto& [status, meeting] :
