@@ -3,8 +3,6 @@
 #include "log/log_model.h"
 #include "support/fresh_program.h"
 
-#include <doctest/doctest.h>
-
 #include <array>
 
 using namespace tandolin;
@@ -65,26 +63,18 @@ TEST_CASE("The words of the command line") {
 }
 
 TEST_CASE("TIMER") {
-    struct Case {
-        TextView line;
-        int value;
-        TextView secondLine; ///< of the box; empty: no box
-        bool failure;
-    };
-
     constexpr TextView kRange = u"Nur Werte zwischen 0 und 65000";
     constexpr TextView kNumeric = u"kein numerischer Wert";
+
+    // clang-format off
+    struct Case { TextView line; int value; TextView secondLine; bool failure; };
     for (const Case& c : std::to_array<Case>({
-             {u"TIMER=1000", 1000, u"", false},
-             {u"timer=0", 0, u"", false},
-             {u"TIMER=32767", 32767, u"", false},
-             {u"TIMER=32768", 0, u"", true},
-             {u"TIMER=65001", 0, u"", true},
-             {u"TIMER=-5", 0, kRange, false},
-             {u"TIMER=abc", 0, kNumeric, false},
-             {u"TIMER=", 0, kNumeric, false},
-             {u"TIMER=99999999999999999999", 0, u"", true},
+             {u"timer=0", 0, u"", false}, {u"TIMER=32767", 32767, u"", false},
+             {u"TIMER=32768", 0, u"", true}, {u"TIMER=65001", 0, u"", true},
+             {u"TIMER=99999999999999999999", 0, u"", true}, {u"TIMER=-5", 0, kRange, false},
+             {u"TIMER=abc", 0, kNumeric, false}, {u"TIMER=", 0, kNumeric, false},
          })) {
+        // clang-format on
         CAPTURE(toUtf8(c.line));
         FreshProgram program;
         LogInit();

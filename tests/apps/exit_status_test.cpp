@@ -2,8 +2,6 @@
 
 #include "support/fresh_program.h"
 
-#include <doctest/doctest.h>
-
 #include <array>
 
 using namespace tandolin;

@@ -6,8 +6,6 @@
 
 #include "apps/run_folder.h"
 
-#include <doctest/doctest.h>
-
 #include <algorithm>
 #include <set>
 

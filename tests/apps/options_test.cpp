@@ -2,8 +2,6 @@
 
 #include "support/printing.h"
 
-#include <doctest/doctest.h>
-
 using namespace tandolin::program;
 
 namespace {

@@ -2,8 +2,6 @@
 
 #include "apps/run_folder.h"
 
-#include <doctest/doctest.h>
-
 #include <algorithm>
 
 using namespace tandolin;

@@ -6,8 +6,6 @@
 #include "support/fake_phone.h"
 #include "support/fresh_program.h"
 
-#include <doctest/doctest.h>
-
 using namespace tandolin;
 using namespace tandolin::testing;
 

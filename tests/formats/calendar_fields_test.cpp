@@ -18,12 +18,10 @@ TEST_CASE("the rule's fields by kind and model") {
              {u"W", u"Phone T15", u"D 7 '-' -"},
              {u"W", u"r55", u"D 7 '-' -"},
              {u"M", u"T68", u"M 1 'D' 21"},
-
              {u"M", u"B55", u"M 1 '' 21"},
              {u"Y", u"", u"Y 1 'D' -"},
              {u"Y", u"T15", u"Y 1 '' -"},
              {u"X", u"", u"- - '-' -"},
-
          })) {
         CAPTURE(c.type);
         CAPTURE(c.model);

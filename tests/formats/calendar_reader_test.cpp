@@ -49,7 +49,6 @@ TEST_CASE("a failure is reported with the file and the line of its property") {
         CHECK(reports[0].failure.File == u"17.vcs");
         CHECK(reports[0].failure.Line == c.line);
         CHECK(reports[0].sentence.find(u"17.vcs") != Text::npos);
-
         CHECK(reports[0].proc == u"ParsEntryFromMobile");
     }
 }

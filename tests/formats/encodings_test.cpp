@@ -139,7 +139,6 @@ TEST_CASE("bytes become quoted printable with as few digits as they need") {
 TEST_CASE("text goes out as UTF-8 in quoted printable") {
     CHECK(StringToUniToUTFToQuoted(u"") == u"");
     CHECK(StringToUniToUTFToQuoted(u"Übung; 9h") == u"=C3=9Cbung; 9h");
-
     CHECK(StringToUniToUTFToQuoted(u"a\r\nb") == u"a=D=Ab");
     CHECK(StringToUniToUTFToQuoted(u"\U0001F600") == u"=ED=A0=BD=ED=B8=80");
     CHECK(StringToUniToUTFToQuoted(u"\uFFFF") == u"=EF=BF=BF");

@@ -52,6 +52,5 @@ TEST_CASE("a week day is switched for another, or set where both are the same") 
     const Date saturday = at(2026, 1, 10);
     CHECK(SwitchWeekDayBit(2, monday, saturday) == 64);
     CHECK(SwitchWeekDayBit(0, monday, monday) == 2);
-
     CHECK(SwitchWeekDayBit(66, monday, saturday) == 64);
 }

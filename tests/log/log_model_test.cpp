@@ -2,8 +2,6 @@
 
 #include "support/fresh_program.h"
 
-#include <doctest/doctest.h>
-
 #include <array>
 
 using namespace tandolin;
@@ -113,7 +111,6 @@ TEST_CASE("A program failure is one line of the error log") {
     Table<ErrorLog>& log = logTables.errors;
     CHECK(log[errlog::ErrorNum] == u"-1993");
     CHECK(log[errlog::ErrorDesc] == u"c d : a b");
-
     CHECK(app.core.GlobalProgramFehler == 1);
     CHECK(failureOnOneLine(failure, u"") == u"a b");
     CHECK(failureOnOneLine({1, u""}, u"c") == u"c");

@@ -3,8 +3,6 @@
 #include "log/log_model.h"
 #include "support/fresh_program.h"
 
-#include <doctest/doctest.h>
-
 using namespace tandolin;
 using namespace tandolin::testing;
 

@@ -3,8 +3,6 @@
 #include "organizer/clear_organizer.h"
 #include "organizer/organizer_world.h"
 
-#include <doctest/doctest.h>
-
 using namespace tandolin;
 using namespace tandolin::testing;
 
@@ -86,26 +84,6 @@ TEST_CASE("Time frame 1 stops at its number and cuts the frame to what was read"
         CHECK(SilentvCalReadOutlook(tables.RSCalendar));
         CHECK(tables.RSCalendar.recordCount() == 3);
         CHECK(app.sync.DateFrameTo == at(2026, 12, 31, 23, 59, 59));
-    }
-}
-
-TEST_CASE("A read that fails says so; without an organizer nothing is read") {
-    OrganizerWorld world;
-    world.organizer.add(u"a", at(2026, 11, 24, 9), u"A");
-    SUBCASE("the folder, the search, the next item") {
-        for (const std::size_t call : {1U, 2U, 3U, 4U}) {
-            world.organizer.calls.clear();
-            world.organizer.fault.call = call;
-            CHECK_FALSE(SilentvCalReadOutlook(tables.RSCalendar));
-            CHECK(app.core.GlobalProgramFehler == static_cast<std::int16_t>(call));
-            tables.clearAll();
-        }
-        CHECK(app.organizer.vCalPIMRead == kFalse);
-    }
-    SUBCASE("no organizer") {
-        app.organizer.OrganizerPresent = kFalse;
-        CHECK_FALSE(SilentvCalReadOutlook(tables.RSCalendar));
-        CHECK(world.organizer.calls.empty());
     }
 }
 

@@ -2,8 +2,6 @@
 
 #include "organizer/organizer_world.h"
 
-#include <doctest/doctest.h>
-
 using namespace tandolin;
 using namespace tandolin::testing;
 

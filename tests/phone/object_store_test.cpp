@@ -4,8 +4,6 @@
 #include "support/fresh_program.h"
 #include "support/reports.h"
 
-#include <doctest/doctest.h>
-
 #include <array>
 #include <map>
 
@@ -44,7 +42,6 @@ void addRow(bool changed) {
 
 TEST_CASE("PXDTest: the server object can be created or not") {
     const Program program;
-
     SUBCASE("created, once") {
         CHECK(PXDTest(app.phone.PXDServer));
         const PhoneServer* created = app.phone.PXDServer.get();
@@ -90,7 +87,6 @@ TEST_CASE("GetSingleMobileEntry: the whole text, untouched") {
     CHECK(text.empty());
     CHECK(reports.empty());
     text = u"old";
-
     program.phone.fault.call = program.phone.calls.size() + 1;
     CHECK_FALSE(GetSingleMobileEntry(phoneServer(), FakePhone::kCalendar, text, u"3.vcs"));
     CHECK(text.empty());

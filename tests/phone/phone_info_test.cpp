@@ -5,8 +5,6 @@
 #include "support/fresh_program.h"
 #include "support/reports.h"
 
-#include <doctest/doctest.h>
-
 #include <array>
 #include <map>
 

@@ -2,8 +2,6 @@
 
 #include "support/fresh_program.h"
 
-#include <doctest/doctest.h>
-
 #include <array>
 
 using namespace tandolin;
@@ -29,7 +27,6 @@ TEST_CASE("SetStatusBarMobile: the three display states of each side") {
     const Text none = u" Kein Mobile";
     const Text phone = u" EXAMPLE X1";
     for (const Case& c : std::to_array<Case>({
-
              {"lost after a read", false, true, true, true, none, u" nicht verbunden",
               u" Mobileeinträge belegt: ?"},
              {"calendar's capacity", true, false, false, true, phone, u" verbunden",

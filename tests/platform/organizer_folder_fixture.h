@@ -5,12 +5,8 @@
 #include "core/failure.h"
 #include "core/ports/system.h"
 #include "platform/organizer_folder/folder_organizer.h"
-#include "support/printing.h"
+#include "platform/scratch_directory.h"
 
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <string>
 #include <vector>
 
@@ -24,33 +20,24 @@ struct OrganizerClock : Clock {
 
 /// root/calendar, removed at the end.
 struct OrganizerFolder {
-    std::filesystem::path root;
+    ScratchDirectory scratch;
+    std::filesystem::path root = scratch.path;
     OrganizerClock clock;
     std::string zone = "Europe/Berlin";
     bool dryRun = false;
 
-    OrganizerFolder() {
-        std::string pattern = std::filesystem::temp_directory_path() / "organizer-XXXXXX";
-        root = ::mkdtemp(pattern.data());
-        std::filesystem::create_directory(root / "calendar");
-    }
-
-    OrganizerFolder(const OrganizerFolder&) = delete;
-    OrganizerFolder& operator=(const OrganizerFolder&) = delete;
-
-    ~OrganizerFolder() { std::filesystem::remove_all(root); }
+    OrganizerFolder() { std::filesystem::create_directory(root / "calendar"); }
 
     [[nodiscard]] platform::FolderOrganizer open() const {
         return {{root, "calendar", "contacts", dryRun, zone}, clock};
     }
 
     void put(const std::string& name, const std::string& bytes) const {
-        std::ofstream(root / name, std::ios::binary) << bytes;
+        putBytes(root / name, bytes);
     }
 
     [[nodiscard]] std::string bytesOf(const std::string& name) const {
-        std::ifstream file(root / name, std::ios::binary);
-        return {std::istreambuf_iterator<char>(file), {}};
+        return testing::bytesOf(root / name);
     }
 
     [[nodiscard]] std::vector<std::string> files() const {
@@ -95,12 +82,7 @@ inline std::vector<std::string> startsWithin(CalendarFolder& calendar, Date from
 /// The number of the failure that the call throws, 0 for none.
 template <class Call>
 int failureOf(Call call) {
-    try {
-        call();
-    } catch (const Failure& failure) {
-        return failure.Number;
-    }
-    return 0;
+    return failureNumber(call);
 }
 
 } // namespace tandolin::testing

@@ -3,7 +3,6 @@
 #include "platform/organizer_folder/ical_values.h"
 #include "platform/organizer_folder/recurrence_rule.h"
 
-#include <doctest/doctest.h>
 #include <libical/ical.h>
 
 #include <array>

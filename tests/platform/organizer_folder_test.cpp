@@ -3,7 +3,6 @@
 #include "core/trap.h"
 #include "platform/organizer_folder/content_lines.h"
 
-#include <doctest/doctest.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -39,7 +38,6 @@ TEST_CASE("facts of an item") {
                                             "SUMMARY:Gr\xF6\xDF"
                                             "e\nSTATUS:CANCELLED\nEND:VEVENT\n"));
     auto organizer = folder.open();
-
     CalendarFolder& calendar = organizer.GetDefaultCalendarFolder();
     const AppointmentFacts* facts = calendar.Find({kFrom, kTo});
     REQUIRE(facts != nullptr);
@@ -337,14 +335,11 @@ TEST_CASE("contact folders") {
     const auto folders = organizer.Folders();
     REQUIRE(folders.size() == 2);
     CHECK(folders[0].Name == u"Zwei");
-
     CHECK(folders[1].Name == u"Äußere");
     CHECK(folders[1].EntryID == u"eins");
-
     REQUIRE(folders[0].Folders.size() == 1);
     const FolderRecord& below = folders[0].Folders[0];
     CHECK(below.EntryID == u"Zwei/Unter");
-
     CHECK(organizer.GetDefaultContactFolder().EntryID == u"Zwei");
     fs::create_directories(folder.root / "contacts/Kontakte");
     CHECK(organizer.GetDefaultContactFolder().EntryID == u"Kontakte");
@@ -377,8 +372,7 @@ TEST_CASE("files of real programs are read and left alone") {
     CHECK(items > 50);
     CHECK(organizer.unreadable().size() < folder.files().size() / 2);
     for (const std::string& name : folder.files()) {
-        std::ifstream file(samples / name, std::ios::binary);
-        const std::string bytes{std::istreambuf_iterator<char>(file), {}};
+        const std::string bytes = bytesOf(samples / name);
         CHECK(folder.bytesOf("calendar/" + name) == bytes);
         CHECK(ical::ContentLines(bytes).bytes() == bytes);
     }

@@ -5,8 +5,6 @@
 #include "platform/organizer_folder/time_zone.h"
 #include "platform/organizer_folder/zones.h"
 
-#include <doctest/doctest.h>
-
 #include <functional>
 #include <map>
 

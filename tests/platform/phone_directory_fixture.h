@@ -3,43 +3,23 @@
 // Directories for the tests of the phone in a directory.
 
 #include "platform/phone_directory/phone_directory.h"
+#include "platform/scratch_directory.h"
 #include "support/phone_contract.h"
 
-#include <doctest/doctest.h>
-
-#include <cstdlib>
-#include <fstream>
 #include <map>
-#include <sstream>
 
 namespace tandolin::testing {
 
 namespace fs = std::filesystem;
 
 /// A directory of its own for one test, removed afterwards.
-struct ScratchFolder {
-    fs::path path;
-
-    ScratchFolder() {
-        std::string name = (fs::temp_directory_path() / "tandolin-phone-XXXXXX").native();
-        path = ::mkdtemp(name.data());
-    }
-
-    ScratchFolder(const ScratchFolder&) = delete;
-    ScratchFolder& operator=(const ScratchFolder&) = delete;
-
-    ~ScratchFolder() { fs::remove_all(path); }
-
+struct ScratchFolder : ScratchDirectory {
     void put(const fs::path& name, std::string_view bytes) const {
         fs::create_directories((path / name).parent_path());
-        std::ofstream(path / name, std::ios::binary) << bytes;
+        putBytes(path / name, bytes);
     }
 
-    [[nodiscard]] std::string get(const fs::path& name) const {
-        std::ostringstream bytes;
-        bytes << std::ifstream(path / name, std::ios::binary).rdbuf();
-        return bytes.str();
-    }
+    [[nodiscard]] std::string get(const fs::path& name) const { return bytesOf(path / name); }
 
     /// Every path below with its bytes ("link" and "directory" for what has none).
     [[nodiscard]] std::map<std::string, std::string> tree() const {

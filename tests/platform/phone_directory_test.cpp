@@ -125,36 +125,6 @@ TEST_CASE("an info.log that cannot be taken") {
     }
 }
 
-TEST_CASE("a dry run answers like a real one and leaves the tree as it is") {
-    const SmallStore folder;
-    const auto before = folder.tree();
-    std::vector<std::map<std::string, std::string>> trees;
-    std::vector<Text> lists[2];
-    std::string infos[2];
-    for (const bool dryRun : {true, false}) {
-        DirectoryPhone phone = folder.phone(dryRun);
-        store(phone, u"\\telecom\\cal\\2.vcs", "two");
-        phone.PXDDelete(u"\\telecom\\cal\\1.vcs");
-        store(phone, u"\\telecom\\pb\\new.vcf", "new");
-        store(phone, u"\\telecom\\pb\\4.vcf", "changed");
-        phone.PXDDelete(u"\\telecom\\cal\\2.vcs");
-        CHECK(phone.restoreDeleted(u"\\telecom\\cal\\2.vcs"));
-        phone.flush();
-        lists[dryRun] = phone.PXDList(u"\\telecom\\cal\\*.vcs", 0);
-        infos[dryRun] = bytesAt(phone, u"\\telecom\\pb\\info.log") +
-                        bytesAt(phone, u"\\telecom\\cal\\info.log");
-        CHECK(bytesAt(phone, u"\\telecom\\pb\\4.vcf") == "changed");
-        CHECK(bytesAt(phone, u"\\telecom\\pb\\1.vcf") == "new");
-        CHECK_FALSE(phone.PXDRead(u"\\telecom\\cal\\1.vcs").found);
-        trees.push_back(folder.tree());
-    }
-    CHECK(trees[0] == before);
-    CHECK(trees[1] != before);
-    CHECK(lists[0] == std::vector<Text>{u"2.vcs", u"17.VCS"});
-    CHECK(lists[1] == lists[0]);
-    CHECK(infos[1] == infos[0]);
-}
-
 TEST_CASE("sizes: 16 MiB are read, one byte more is not") {
     const SmallStore folder;
     constexpr std::size_t kLimit = std::size_t{16} << 20U;

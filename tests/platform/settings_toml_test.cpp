@@ -81,7 +81,6 @@ TEST_CASE("other types count as texts in their spelling") {
     const Files files;
     files.putUser(kTable + "a = 8.5\nb = 2026-11-21\nc = true\nd = [1, 2]\ne = 0x10\nf = 'x'\n");
     Loaded store(files);
-
     const std::map<TextView, SettingValue> values{
         {u"a", Text(u"8.5")},      {u"b", Text(u"2026-11-21")}, {u"c", Text(u"true")},
         {u"d", Text(u"[ 1, 2 ]")}, {u"e", std::int64_t{16}},    {u"f", Text(u"x")}};

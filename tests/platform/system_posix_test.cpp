@@ -104,7 +104,6 @@ TEST_CASE("failures of the system get the program's numbers") {
     for (const auto& [error, number] : {std::pair{ENOSPC, failure_number::kDiskFull},
                                         {EDQUOT, failure_number::kDiskFull},
                                         {EACCES, failure_number::kPermission},
-
                                         {EROFS, failure_number::kPermission},
                                         {EIO, failure_number::kFileFailed},
                                         {ENOENT, failure_number::kFileFailed}}) {
@@ -197,11 +196,9 @@ TEST_CASE("patterns of the system become letters") {
                                                 {u"%-d.%-m.%Y", u"d.M.yyyy"},
                                                 {u"%e.%_m.%y", u"d.M.yy"},
                                                 {u"%F", u"yyyy-MM-dd"},
-
                                                 {u"%d/%m/%Ey", u"dd/MM/yy"},
                                                 {u"%A %d %b %Y", u"dddd dd MMM yyyy"},
                                                 {u"%Y年%m月%d日", u"yyyy年MM月dd日"},
-
                                                 {u"%r", u"hh:mm:ss tt"},
                                                 {u"%I:%M:%S %p", u"hh:mm:ss tt"},
                                                 {u"%H h %M min", u"HH 'h' mm 'm''i''n'"},

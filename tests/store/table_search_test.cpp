@@ -39,24 +39,6 @@ void checkSearches(Table<Calendar>& table) {
 
 } // namespace
 
-TEST_CASE("a search begins with the current row and ends at the end") {
-    Table<Calendar> table;
-    addEntries(table, {u"a", u"b", u"a"});
-    table.MoveFirst();
-    CHECK(table.Find(cal::EntryID, u"a"));
-    CHECK(table.AbsolutePosition() == 1);
-    table.MoveNext();
-    CHECK(table.Find(cal::EntryID, u"a"));
-    CHECK(table.AbsolutePosition() == 3);
-    table.MoveNext();
-    CHECK_FALSE(table.Find(cal::EntryID, u"a"));
-    CHECK(table.atEnd());
-    table.MoveFirst();
-    CHECK_FALSE(table.Find(cal::EntryID, u"A"));
-    table.MoveFirst();
-    CHECK(table.Find(cal::EntryID, u"A", Compare::text));
-}
-
 TEST_CASE("two thousand changes at random, of every kind, leave searches and counts right") {
     constexpr unsigned kSeed = 20261121;
     CAPTURE(kSeed);

@@ -1,8 +1,6 @@
 #include "sync/autosync_frame.h"
 #include "sync/sync_world.h"
 
-#include <doctest/doctest.h>
-
 using namespace tandolin;
 using namespace tandolin::testing;
 

@@ -2,8 +2,6 @@
 
 #include "sync/sync_world.h"
 
-#include <doctest/doctest.h>
-
 using namespace tandolin;
 using namespace tandolin::testing;
 

@@ -1,7 +1,5 @@
 #include "sync/sync_world.h"
 
-#include <doctest/doctest.h>
-
 using namespace tandolin;
 using namespace tandolin::testing;
 

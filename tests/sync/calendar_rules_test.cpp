@@ -3,8 +3,6 @@
 #include "support/fresh_program.h"
 #include "sync/calendar_matching.h"
 
-#include <doctest/doctest.h>
-
 #include <array>
 
 using namespace tandolin;

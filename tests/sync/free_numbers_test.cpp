@@ -5,8 +5,6 @@
 #include "sync/calendar_matching.h"
 #include "sync/status_arrays.h"
 
-#include <doctest/doctest.h>
-
 using namespace tandolin;
 using namespace tandolin::testing;
 

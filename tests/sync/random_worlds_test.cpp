@@ -4,8 +4,6 @@
 
 #include "sync/sync_world.h"
 
-#include <doctest/doctest.h>
-
 #include <random>
 
 using namespace tandolin;

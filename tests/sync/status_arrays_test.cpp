@@ -2,8 +2,6 @@
 
 #include "support/fresh_program.h"
 
-#include <doctest/doctest.h>
-
 using namespace tandolin;
 using namespace tandolin::testing;
 
