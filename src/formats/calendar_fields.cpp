@@ -72,15 +72,16 @@ void vCalSetSerieFields(Table<Calendar>& table) {
             setRule(table, u"D", 1);
         } else if (type == u"W") {
             // Old models know no weekly rule; every seventh day is theirs.
-            const bool old = isModel(model, {u"R55", u"T55", u"B55", u"T15"});
+            const bool old = isOldModel(model);
             setRule(table, old ? u"D" : u"W", old ? 7 : 1);
         } else if (type == u"M") {
             setRule(table, u"M", 1);
             table.set(cal::DayOfMonth, std::int64_t{civilOf(table[cal::Start]).day});
+            // Wanted: one of the old models is missing here.
             table.set(cal::ModKey, isModel(model, {u"R55", u"T55", u"B55"}) ? u"" : u"D");
         } else if (type == u"Y") {
             setRule(table, u"Y", 1);
-            table.set(cal::ModKey, isModel(model, {u"T15", u"T55", u"R55", u"B55"}) ? u"" : u"D");
+            table.set(cal::ModKey, isOldModel(model) ? u"" : u"D");
         }
     });
 }

@@ -22,7 +22,7 @@ void readWeekly(RecurrenceRule& rule, TextView text) {
     rule.intervall = leadingNumber(from(text, 2, 1));
     rule.type = u"W";
     std::int16_t mask = 0;
-    addNamedDays(from(text, 4), mask);
+    StringToDayOfWeekMask(from(text, 4), mask);
     rule.weekDayMask = mask;
 }
 
@@ -49,7 +49,7 @@ void readYearly(RecurrenceRule& rule, TextView text, TextView model) {
     rule.modKey = modifier == u"1" ? u"" : u"D";
     if (modifier == u"D" || modifier == u"M") {
         rule.intervall = leadingNumber(from(text, 3));
-        rule.modKey = isModel(model, {u"T55", u"T15", u"R55", u"B55"}) ? TextView{} : modifier;
+        rule.modKey = isOldModel(model) ? TextView{} : modifier;
     }
 }
 
@@ -57,6 +57,10 @@ void readYearly(RecurrenceRule& rule, TextView text, TextView model) {
 
 bool isModel(TextView model, std::initializer_list<TextView> names) {
     return std::ranges::any_of(names, [model](TextView name) { return holdsText(model, name); });
+}
+
+bool isOldModel(TextView model) {
+    return isModel(model, {u"T15", u"T55", u"R55", u"B55"});
 }
 
 RecurrenceRule readRecurrenceRule(TextView rule, TextView model) {

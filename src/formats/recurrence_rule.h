@@ -24,6 +24,9 @@ struct RecurrenceRule {
 /// `model` is the phone's model name. Throws Failure 6 for a number that is too big.
 RecurrenceRule readRecurrenceRule(TextView rule, TextView model);
 
+/// True for the four models that know neither weekly rules nor modifiers.
+bool isOldModel(TextView model);
+
 /// True when the phone's model name holds one of the given ones, in any case.
 bool isModel(TextView model, std::initializer_list<TextView> names);
 

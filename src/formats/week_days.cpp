@@ -3,6 +3,7 @@
 #include "core/failure.h"
 #include "core/trap.h"
 
+#include <algorithm>
 #include <array>
 #include <bit>
 
@@ -10,6 +11,8 @@ namespace tandolin {
 
 namespace {
 
+constexpr TextView kModule = u"Allgemein";
+constexpr std::int16_t kMostDoublings = 30;
 constexpr std::array<TextView, 7> kDayNames{u"SU", u"MO", u"TU", u"WE", u"TH", u"FR", u"SA"};
 
 std::int16_t bitOfIndex(std::size_t index) {
@@ -42,23 +45,23 @@ void DayOfWeekMaskToString(std::int16_t mask, Text& text) {
     }
 }
 
-void addNamedDays(TextView text, std::int16_t& mask) {
-    while (!text.empty()) {
-        const std::size_t blank = text.find(u' ');
-        mask = int16Of(mask + bitOfName(text.substr(0, blank)));
-        text.remove_prefix(blank == TextView::npos ? text.size() : blank + 1);
-    }
-}
-
 void StringToDayOfWeekMask(TextView text, std::int16_t& mask) {
-    trapped({u"Allgemein", u"StringToDayOfWeekMask"}, [&] { addNamedDays(text, mask); });
+    trapped({kModule, u"StringToDayOfWeekMask"}, [&] {
+        while (!text.empty()) {
+            const std::size_t blank = text.find(u' ');
+            mask = int16Of(mask + bitOfName(text.substr(0, blank)));
+            text.remove_prefix(blank == TextView::npos ? text.size() : blank + 1);
+        }
+    });
 }
 
 std::int32_t BitToDec(std::int16_t n) {
-    if (n > 30) {
-        throw overflowFailure();
-    }
-    return n < 1 ? 1 : std::int32_t{1} << n;
+    return trapped({kModule, u"BitToDec"}, std::int32_t{1}, [n](std::int32_t& power) {
+        power <<= std::clamp<std::int16_t>(n, 0, kMostDoublings);
+        if (n > kMostDoublings) {
+            throw overflowFailure();
+        }
+    });
 }
 
 std::int16_t DecToBit(std::int32_t value) {

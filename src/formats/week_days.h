@@ -19,13 +19,11 @@ std::int16_t weekDayBit(Date date);
 void DayOfWeekMaskToString(std::int16_t mask, Text& text);
 
 /// Adds the bit of each day named in `text` (words between blanks, any case) to the mask; other
-/// words are passed over. A day named twice is added twice. An overflow is reported and ends it.
+/// words are passed over. A day named twice is added twice. An overflow is reported and ends it,
+/// with what the mask held.
 void StringToDayOfWeekMask(TextView text, std::int16_t& mask);
 
-/// The same without a report: throws Failure 6.
-void addNamedDays(TextView text, std::int16_t& mask);
-
-/// 2 to the power n; 1 for n below 1. Throws Failure 6 above 30.
+/// 2 to the power n; 1 for n below 1. Above 30 it is reported and gives that of 30.
 std::int32_t BitToDec(std::int16_t n);
 
 /// Index of the lowest set bit; 0 for a value that is not positive.

@@ -4,6 +4,7 @@
 #include "core/state.h"
 #include "core/trap.h"
 #include "formats/calendar_codec.h"
+#include "formats/recurrence_rule.h"
 
 namespace tandolin {
 
@@ -49,15 +50,6 @@ void setSeriesKind(Table<Calendar>& row, TextView kind) {
     row.set(cal::RecurrenceIntervall, std::int64_t{1});
 }
 
-TextView modifierOfModel() {
-    for (const TextView old : {u"T15", u"T55", u"R55", u"B55"}) {
-        if (holdsText(app.phone.MobileModel, old)) {
-            return {};
-        }
-    }
-    return u"D";
-}
-
 void insertSeries(const AppointmentFacts& item, Table<Calendar>& row) {
     row.set(cal::IsRecurring, item.IsRecurring);
     if (!item.IsRecurring) {
@@ -66,6 +58,7 @@ void insertSeries(const AppointmentFacts& item, Table<Calendar>& row) {
     const RecurrencePattern& pattern = item.Pattern;
     row.set(cal::PIMRecPatt, pattern.PatternStartDate);
     row.set(cal::PimRecPattString, dateAsText(pattern.PatternStartDate));
+    const TextView modifier = isOldModel(app.phone.MobileModel) ? u"" : u"D";
     switch (pattern.RecurrenceType) {
     case OlRecurrence::daily:
         setSeriesKind(row, u"D");
@@ -82,12 +75,12 @@ void insertSeries(const AppointmentFacts& item, Table<Calendar>& row) {
     case OlRecurrence::monthNth:
         setSeriesKind(row, u"M");
         row.set(cal::DayOfMonth, std::int64_t{pattern.DayOfMonth});
-        row.set(cal::ModKey, modifierOfModel());
+        row.set(cal::ModKey, modifier);
         break;
     case OlRecurrence::yearly:
     case OlRecurrence::yearNth:
         setSeriesKind(row, u"Y");
-        row.set(cal::ModKey, modifierOfModel());
+        row.set(cal::ModKey, modifier);
         break;
     case OlRecurrence::other:
         // The phone has no such rule: its first date is kept as a single entry.

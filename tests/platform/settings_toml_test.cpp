@@ -232,12 +232,12 @@ TEST_CASE("what cannot be read is told: a directory, a value for a table, a dama
 
 TEST_CASE("the connections of the user stand over those of the machine") {
     const Files files;
-    files.putUser("[connection]\nphone = \"dir:/mine\"\n[ports]\nCOM1 = 7\n");
+    files.putUser("[connection]\nphone = \"dir:/mine\"\nnumber = 7\n");
     putBytes(files.machine, "[connection]\nphone = \"dir:/all\"\norganizer = \"folder:/all\"\n");
     Loaded store(files);
     CHECK(store.connection(u"phone") == u"dir:/mine");
     CHECK(store.connection(u"organizer") == u"folder:/all");
-    CHECK(store.port(u"COM1") == u"7");
+    CHECK(store.connection(u"number") == u"7");
     CHECK_FALSE(store.connection(u"nothing"));
 }
 

@@ -100,8 +100,8 @@ std::optional<Text> TomlSettings::overrideSetting(TextView name, TextView value,
     return std::nullopt;
 }
 
-std::optional<Text> TomlSettings::ours(TextView table, TextView key) const {
-    const TablePath path = pathOf(table);
+std::optional<Text> TomlSettings::connection(TextView key) const {
+    const TablePath path = pathOf(u"connection");
     for (const TomlFile* file : {user_.get(), machine_.get()}) {
         if (const auto value = file->value(path, toUtf8(key))) {
             const auto* number = std::get_if<std::int64_t>(&*value);
@@ -109,14 +109,6 @@ std::optional<Text> TomlSettings::ours(TextView table, TextView key) const {
         }
     }
     return std::nullopt;
-}
-
-std::optional<Text> TomlSettings::connection(TextView key) const {
-    return ours(u"connection", key);
-}
-
-std::optional<Text> TomlSettings::port(TextView name) const {
-    return ours(u"ports", name);
 }
 
 TomlFile& TomlSettings::file(SettingsRoot root) {

@@ -49,9 +49,6 @@ public:
     /// A text of [connection] ("phone", "organizer"), of the user's file, else of the machine's.
     [[nodiscard]] std::optional<Text> connection(TextView key) const;
 
-    /// The device or address behind a port of [ports] ("COM1"), likewise.
-    [[nodiscard]] std::optional<Text> port(TextView name) const;
-
     bool exists(SettingsRoot root, TextView key) override;
     bool create(SettingsRoot root, TextView key) override;
     std::optional<SettingValue> read(SettingsRoot root, TextView key, TextView name) override;
@@ -63,7 +60,6 @@ private:
     using OverrideKey = std::pair<Text, Text>;
 
     [[nodiscard]] TomlFile& file(SettingsRoot root);
-    [[nodiscard]] std::optional<Text> ours(TextView table, TextView key) const;
 
     std::unique_ptr<TomlFile> user_;
     std::unique_ptr<TomlFile> machine_;
