@@ -12,6 +12,7 @@
 #include "phone/object_store.h"
 #include "phone/phone_info.h"
 #include "phone/phone_status.h"
+#include "store/grid_columns.h"
 #include "store/tables.h"
 
 namespace tandolin {
@@ -73,8 +74,7 @@ void startTimer() {
 }
 
 void setColumnCaptions() {
-    app.ports.screen.window->columnCaptions(Grid::GridEXCal);
-    app.ports.screen.window->columnCaptions(Grid::GridEXCard);
+    SetGridCaptions();
     trace(u"Debug: RegDateCall finnished", u"Debug: SetGridCaptions");
 }
 
