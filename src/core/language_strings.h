@@ -56,6 +56,7 @@ inline constexpr StringId kTransferDate{766};
 inline constexpr StringId kTransferStart{767};
 inline constexpr StringId kTransferEnd{768};
 inline constexpr StringId kTransferErrors{769};
+inline constexpr StringId kNothingToPrint{782};
 inline constexpr StringId kAction{783};
 inline constexpr StringId kTransferMoment{785};
 inline constexpr StringId kEntryDate{787};

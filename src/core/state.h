@@ -130,6 +130,14 @@ struct SyncState {
     Date GlobalPeriodEnd;
 };
 
+/// A box that nobody saw, as the log tells of it.
+struct BoxNote {
+    Date when;
+    Text text;
+    /// What a question was answered with; empty for a box that asks nothing.
+    Text answer;
+};
+
 struct LogState {
     Flag LogErrorFlag;
     std::int16_t LogTransferFehler = 0;
@@ -141,6 +149,9 @@ struct LogState {
     Text summary;
     /// The kind in words of the last calendar row.
     Text kindInWords;
+    /// Boxes of an unattended run; kept from the first step on, so that those from before the log
+    /// tables exist are told too.
+    std::vector<BoxNote> boxes;
 };
 
 /// Something the user should know about an entry or a file, though the run went on.

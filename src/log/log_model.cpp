@@ -11,6 +11,7 @@ namespace {
 
 constexpr TextView kModule = u"logModul";
 
+/// A counter that is full stays so: the row that it counts must not be lost for it.
 void raise(std::int16_t& counter) {
     if (counter < std::numeric_limits<std::int16_t>::max()) {
         ++counter;
@@ -45,6 +46,24 @@ void stampTimes(Date now) {
     app.log.LogEndTime = isoTime(now);
 }
 
+/// What a row says of success, in the words of the language in force.
+struct Outcome {
+    Text error;
+    Text description;
+};
+
+Outcome outcomeOf(const Failure& failure, bool failed) {
+    if (!failed) {
+        if (!bulkRun()) {
+            app.log.LogErrorFlag = kFalse;
+        }
+        return {tr(ids::kNo), {}};
+    }
+    app.log.LogErrorFlag = kTrue;
+    raise(app.log.LogTransferFehler);
+    return {tr(ids::kYes), failure.Description + decimal(failure.Number)};
+}
+
 void showFailureBox(const Failure& failure, Place place) {
     if (failure.Number == 0 || !app.log.LogErrorFlag || app.core.GlobalSilentMode || bulkRun()) {
         return;
@@ -60,11 +79,9 @@ void showFailureBox(const Failure& failure, Place place) {
 
 } // namespace
 
-Text failureOnOneLine(const Failure& failure, TextView message) {
-    Text text(message);
-    text += !message.empty() && !failure.Description.empty() ? TextView(u" : ") : TextView{};
-    text += failure.Description;
+Text onOneLine(TextView text) {
     Text line;
+    line.reserve(text.size());
     for (std::size_t i = 0; i < text.size(); ++i) {
         const bool breaks = text[i] == u'\r' || text[i] == u'\n';
         if (text[i] == u'\r' && i + 1 < text.size() && text[i + 1] == u'\n') {
@@ -73,6 +90,12 @@ Text failureOnOneLine(const Failure& failure, TextView message) {
         line += breaks ? u' ' : text[i];
     }
     return line;
+}
+
+Text failureOnOneLine(const Failure& failure, TextView message) {
+    Text text(message);
+    text += !message.empty() && !failure.Description.empty() ? TextView(u" : ") : TextView{};
+    return onOneLine(text + failure.Description);
 }
 
 void LogInit() {
@@ -94,18 +117,28 @@ void LogTransferEntry(const Table<Calendar>& source, const Failure& failure, Pla
         log.set(callog::Time, parseTime(source[cal::StartTime]).value_or(Date{0}));
         log.set(callog::Text, source[cal::Text]);
         log.set(callog::Typ, kindInWords(source[cal::Typ]));
-        if (!failure.Description.empty()) {
-            log.set(callog::Error, tr(ids::kYes));
-            log.set(callog::ErrorDesc, failure.Description + decimal(failure.Number));
-            app.log.LogErrorFlag = kTrue;
-            raise(app.log.LogTransferFehler);
-        } else {
-            log.set(callog::Error, tr(ids::kNo));
-            log.set(callog::ErrorDesc, u"");
-            if (!bulkRun()) {
-                app.log.LogErrorFlag = kFalse;
-            }
-        }
+        // Wanted: an entry of the calendar has failed by its words, a contact by its number.
+        const Outcome outcome = outcomeOf(failure, !failure.Description.empty());
+        log.set(callog::Error, outcome.error);
+        log.set(callog::ErrorDesc, outcome.description);
+        stampTimes(now);
+        showFailureBox(failure, place);
+    });
+}
+
+void LogTransferEntry(const Table<Contact>& source, const Failure& failure, Place place) {
+    trapped({kModule, u"LogTransferEntry"}, [&] {
+        const Date now = app.ports.clock->now();
+        Table<ContactLog>& log = logTables.contacts;
+        log.AddNew();
+        log.set(conlog::Transfer, app.log.LogTransfer);
+        log.set(conlog::Action, app.log.LogAction);
+        log.set(conlog::Date, now);
+        log.set(conlog::Name, source[con::LastName]);
+        log.set(conlog::Phone, source[con::Phone]);
+        const Outcome outcome = outcomeOf(failure, failure.Number != 0);
+        log.set(conlog::Error, outcome.error);
+        log.set(conlog::ErrorDesc, outcome.description);
         stampTimes(now);
         showFailureBox(failure, place);
     });

@@ -16,8 +16,14 @@ void LogInit();
 /// May show the failure box, unless the run is silent or works in bulk.
 void LogTransferEntry(const Table<Calendar>& source, const Failure& failure, Place place);
 
+/// The same for a contact; here a failure with a number makes it a failed one.
+void LogTransferEntry(const Table<Contact>& source, const Failure& failure, Place place);
+
 /// Adds a row to the program error log: sentence and description on one line.
 void LogProgramError(const Failure& failure, TextView message, Place place);
+
+/// The text with every line break turned to a blank.
+Text onOneLine(TextView text);
 
 /// Sentence and description of a failure as the log shows them, line breaks turned to blanks.
 Text failureOnOneLine(const Failure& failure, TextView message);

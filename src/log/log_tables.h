@@ -40,6 +40,12 @@ struct ErrorLog {
                                                       {u"Proc", CellType::text}}};
 };
 
+/// What the summary window shows: one line of the summary a row.
+struct LogSummary {
+    static constexpr std::array<FieldSpec, 2> fields{
+        {{u"FieldName", CellType::text}, {u"FieldValue", CellType::text}}};
+};
+
 namespace callog {
 inline constexpr Field<CalendarLog, tandolin::Text> Transfer{u"Transfer"};
 inline constexpr Field<CalendarLog, tandolin::Text> Action{u"Action"};
@@ -52,6 +58,16 @@ inline constexpr Field<CalendarLog, tandolin::Text> Error{u"Error"};
 inline constexpr Field<CalendarLog, tandolin::Text> ErrorDesc{u"ErrorDesc"};
 } // namespace callog
 
+namespace conlog {
+inline constexpr Field<ContactLog, tandolin::Text> Transfer{u"Transfer"};
+inline constexpr Field<ContactLog, tandolin::Text> Action{u"Action"};
+inline constexpr Field<ContactLog, tandolin::Date> Date{u"Date"};
+inline constexpr Field<ContactLog, tandolin::Text> Name{u"Name"};
+inline constexpr Field<ContactLog, tandolin::Text> Phone{u"Phone"};
+inline constexpr Field<ContactLog, tandolin::Text> Error{u"Error"};
+inline constexpr Field<ContactLog, tandolin::Text> ErrorDesc{u"ErrorDesc"};
+} // namespace conlog
+
 namespace errlog {
 inline constexpr Field<ErrorLog, tandolin::Date> Date{u"Date"};
 inline constexpr Field<ErrorLog, tandolin::Text> ErrorNum{u"ErrorNum"};
@@ -59,6 +75,11 @@ inline constexpr Field<ErrorLog, tandolin::Text> ErrorDesc{u"ErrorDesc"};
 inline constexpr Field<ErrorLog, tandolin::Text> Modul{u"Modul"};
 inline constexpr Field<ErrorLog, tandolin::Text> Proc{u"Proc"};
 } // namespace errlog
+
+namespace logsum {
+inline constexpr Field<LogSummary, tandolin::Text> FieldName{u"FieldName"};
+inline constexpr Field<LogSummary, tandolin::Text> FieldValue{u"FieldValue"};
+} // namespace logsum
 
 /// The log of a run: open from the creation of the tables to the program's end.
 struct LogTables {

@@ -2,7 +2,8 @@
 
 #include "core/state.h"
 #include "core/trap.h"
-#include "log/log_tables.h"
+#include "log/log_columns.h"
+#include "log/log_model.h"
 
 #include <span>
 
@@ -12,15 +13,6 @@ namespace {
 
 constexpr TextView kModule = u"logModul";
 constexpr TextView kLineBreak = u"\r\n";
-
-constexpr std::array kCalendarTitles{ids::kTarget,    ids::kAction,    ids::kTransferMoment,
-                                     ids::kEntryDate, ids::kEntryTime, ids::kText,
-                                     ids::kEntryKind, ids::kError,     ids::kErrorText};
-constexpr std::array kContactTitles{ids::kTarget,   ids::kAction,      ids::kTransferMoment,
-                                    ids::kName,     ids::kPhoneNumber, ids::kError,
-                                    ids::kErrorText};
-constexpr std::array kErrorTitles{ids::kErrorMoment, ids::kErrorNumber, ids::kErrorText,
-                                  ids::kModule, ids::kProcedure};
 
 /// A date of a log row as the grid shows it: a moment with both parts, a bare time as a time.
 Text shownDate(Date date) {
@@ -41,21 +33,33 @@ void appendCell(Text& block, const Row& row, std::span<const FieldSpec> fields, 
     }
 }
 
-Text blockOf(TableCore& table, std::span<const StringId> titles) {
+Text blockOf(TableCore& table, std::span<const LogColumn> columns) {
     Text block;
     if (table.isEmpty()) {
         return block;
     }
-    for (const StringId title : titles) {
-        block.append(tr(title)).append(u"\t");
+    for (const LogColumn& column : columns) {
+        block.append(tr(column.title)).append(u"\t");
     }
     block += kLineBreak;
     const KeepPosition keep(table);
     for (table.MoveFirst(); !table.atEnd(); table.MoveNext()) {
-        for (std::size_t i = 0; i < titles.size(); ++i) {
+        for (std::size_t i = 0; i < columns.size(); ++i) {
             appendCell(block, table.row(), table.fields(), i);
             block += u'\t';
         }
+        block += kLineBreak;
+    }
+    return block;
+}
+
+/// The boxes that nobody saw: when, the text on one line, what it was answered with.
+Text boxBlock() {
+    Text block;
+    for (const BoxNote& box : app.log.boxes) {
+        block.append(block.empty() ? u"Messages" + Text(kLineBreak) : Text());
+        block.append(formatDate(box.when)).append(u" ").append(isoTime(box.when)).append(u"\t");
+        block.append(onOneLine(box.text)).append(u"\t").append(box.answer).append(u"\t");
         block += kLineBreak;
     }
     return block;
@@ -65,28 +69,46 @@ Text blockOf(TableCore& table, std::span<const StringId> titles) {
 
 LogBlocks logGridZusammensetzung() {
     return trapped({kModule, u"logGridZusammensetzung"}, LogBlocks{}, [](LogBlocks& blocks) {
-        blocks.calendar = blockOf(logTables.calendar, kCalendarTitles);
-        blocks.contacts = blockOf(logTables.contacts, kContactTitles);
-        blocks.errors = blockOf(logTables.errors, kErrorTitles);
+        blocks.calendar = blockOf(logTables.calendar, calendarLogColumns());
+        blocks.contacts = blockOf(logTables.contacts, contactLogColumns());
+        blocks.errors = blockOf(logTables.errors, errorLogColumns());
     });
 }
 
 void LogInitlogSummaryform() {
     trapped({kModule, u"LogInitlogSummaryform"}, [] {
-        const auto rows = static_cast<std::int64_t>(logTables.calendar.recordCount() +
-                                                    logTables.contacts.recordCount());
-        const std::pair<StringId, Text> lines[] = {
-            {ids::kTransferredData, decimal(rows)},
-            {ids::kTransferDate, app.log.LogDate},
-            {ids::kTransferStart, app.log.LogStartTime},
-            {ids::kTransferEnd, app.log.LogEndTime},
-            {ids::kTransferErrors, decimal(app.log.LogTransferFehler)},
-            {ids::kProgramErrors, decimal(app.core.GlobalProgramFehler)}};
-        app.log.summary = tr(ids::kSummary);
-        for (const auto& [label, value] : lines) {
-            app.log.summary += Text(kLineBreak) + tr(label) + u"\t\t" + value;
+        Text& summary = app.log.summary;
+        summary.clear();
+        Table<LogSummary> rows;
+        fillSummary(rows);
+        for (rows.MoveFirst(); !rows.atEnd(); rows.MoveNext()) {
+            summary.append(summary.empty() ? TextView{} : kLineBreak);
+            summary.append(rows[logsum::FieldName]);
+            summary.append(rows.row().isNull(logsum::FieldValue.index()) ? TextView{}
+                                                                         : TextView(u"\t\t"));
+            summary.append(rows[logsum::FieldValue]);
         }
     });
+}
+
+void fillSummary(Table<LogSummary>& rows) {
+    const auto transferred = static_cast<std::int64_t>(logTables.calendar.recordCount() +
+                                                       logTables.contacts.recordCount());
+    const std::pair<StringId, Text> lines[] = {
+        {ids::kTransferredData, decimal(transferred)},
+        {ids::kTransferDate, app.log.LogDate},
+        {ids::kTransferStart, app.log.LogStartTime},
+        {ids::kTransferEnd, app.log.LogEndTime},
+        {ids::kTransferErrors, decimal(app.log.LogTransferFehler)},
+        {ids::kProgramErrors, decimal(app.core.GlobalProgramFehler)}};
+    rows.clear();
+    rows.AddNew();
+    rows.set(logsum::FieldName, tr(ids::kSummary));
+    for (const auto& [label, value] : lines) {
+        rows.AddNew();
+        rows.set(logsum::FieldName, tr(label));
+        rows.set(logsum::FieldValue, value);
+    }
 }
 
 void logWriteFile() {
@@ -96,6 +118,9 @@ void logWriteFile() {
         Text text = app.log.summary;
         for (const Text* block : {&blocks.calendar, &blocks.contacts, &blocks.errors}) {
             text.append(kLineBreak).append(kLineBreak).append(*block);
+        }
+        if (!app.log.boxes.empty()) {
+            text.append(kLineBreak).append(kLineBreak).append(boxBlock());
         }
         app.ports.files->write(app.settings.HomeDir + u"\\logFile.rtf", text);
     });

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/text.h"
+#include "log/log_tables.h"
 
 namespace tandolin {
 
@@ -14,11 +15,16 @@ struct LogBlocks {
 
 LogBlocks logGridZusammensetzung();
 
-/// Composes the summary of the run and keeps it in the log state: six labels with their values.
+/// Fills the table with the summary of the run as the summary window shows it: its heading, which
+/// has no value, and six labels with theirs.
+void fillSummary(Table<LogSummary>& rows);
+
+/// Composes the same as one text and keeps it in the log state.
 void LogInitlogSummaryform();
 
 /// Writes "logFile.rtf" in the home directory: summary and detail blocks as tab-separated plain
-/// text under an rtf name; nothing of an earlier run is kept.
+/// text under an rtf name; nothing of an earlier run is kept. Boxes that nobody saw follow as a
+/// block of their own.
 void logWriteFile();
 
 } // namespace tandolin

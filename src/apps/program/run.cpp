@@ -9,6 +9,7 @@
 #include "core/trap.h"
 #include "log/log_model.h"
 #include "log/log_text.h"
+#include "log/noted_boxes.h"
 #include "platform/language_mo/mo_languages.h"
 #include "platform/screen_terminal/terminal_screen.h"
 #include "platform/settings_toml/toml_settings.h"
@@ -125,7 +126,7 @@ public:
         tables.clearAll();
         app.ports.settings = &settings_;
         app.ports.languages = &languages_;
-        app.ports.screen = {&screen_, &screen_, &screen_};
+        app.ports.screen = {&boxes_, &screen_, &screen_};
         app.ports.clock = &clock_;
         app.ports.locale = &locale_;
         app.ports.instance = &lock_;
@@ -198,6 +199,7 @@ private:
     platform::PosixLocale locale_;
     platform::TomlSettings settings_;
     platform::TerminalScreen screen_;
+    NotedBoxes boxes_{screen_};
     platform::MoLanguages languages_;
     platform::LockFile lock_;
     platform::HomeDirectory files_;

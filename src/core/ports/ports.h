@@ -26,6 +26,8 @@ struct Ports {
     UserLocale* locale = nullptr;
     InstanceLink* instance = nullptr;
     HomeFiles* files = nullptr;
+    /// Null where nothing can be printed.
+    Printer* printer = nullptr;
 };
 
 } // namespace tandolin

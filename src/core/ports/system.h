@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <vector>
 
 namespace tandolin {
 
@@ -62,6 +63,23 @@ public:
     virtual void openTrace(TextView path) = 0;
     virtual void append(TextView text) = 0;
     virtual void closeTrace() = 0;
+};
+
+/// A text for the printer: CR LF between lines, tabs between cells.
+struct PrintJob {
+    Text text;
+    Text font;
+    int points = 0;
+    /// Positions of the tabs, in the unit of the print layout.
+    std::vector<int> tabStops;
+};
+
+/// A printer, or a file that takes its place.
+class Printer {
+public:
+    virtual ~Printer() = default;
+    /// Prints the text and ends the document. Throws a Failure.
+    virtual void print(const PrintJob& job) = 0;
 };
 
 } // namespace tandolin

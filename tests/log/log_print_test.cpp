@@ -1,0 +1,169 @@
+#include "log/log_print.h"
+
+#include "log/log_columns.h"
+#include "log/log_model.h"
+#include "log/log_text.h"
+#include "log/noted_boxes.h"
+#include "support/fresh_program.h"
+
+#include <doctest/doctest.h>
+
+using namespace tandolin;
+using namespace tandolin::testing;
+
+namespace {
+
+struct Paper : Printer {
+    std::vector<PrintJob> jobs;
+
+    void print(const PrintJob& job) override { jobs.push_back(job); }
+};
+
+struct Files : HomeFiles {
+    Text content;
+
+    void ensureWritable(TextView) override {}
+
+    void write(TextView, TextView text) override { content = text; }
+
+    void openTrace(TextView) override {}
+
+    void append(TextView) override {}
+
+    void closeTrace() override {}
+};
+
+struct Program : FreshProgram {
+    Paper paper;
+    Files files;
+
+    Program() {
+        LogInit();
+        app.core.GlobalADOAvailable = kTrue;
+        app.ports.printer = &paper;
+        app.ports.files = &files;
+        app.log.summary = u"SUMMARY";
+    }
+};
+
+void logAppointment() {
+    Table<Calendar> entry;
+    vCalCreateNewRecord(entry);
+    LogTransferEntry(entry, {}, {u"m", u"p"});
+}
+
+void logContact(const Failure& failure = {}) {
+    Table<Contact> card;
+    vCardCreateNewRecord(card);
+    card.set(con::LastName, u"Meier");
+    card.set(con::Phone, u"0123");
+    LogTransferEntry(card, failure, {u"m", u"p"});
+}
+
+void logFailure() {
+    LogProgramError(Failure(-1993, u"bad"), u"", {u"vCal", u"Pars"});
+}
+
+} // namespace
+
+TEST_CASE("What is printed") {
+    struct Case {
+        const char* name;
+        bool calendar, contacts, errors;
+        Text what, printed; ///< C, K and E stand for the blocks
+        bool box;
+    };
+
+    for (const Case& c : std::to_array<Case>({
+             {"everything", true, true, true, u"all", u"SUMMARY\r\n\r\nC\r\n\r\nK\r\n\r\nE", false},
+             {"details", true, true, true, u"details", u"C\r\n\r\nK\r\n\r\nE", false},
+             {"contacts alone", false, true, false, u"details", u"K", false},
+             {"errors behind contacts", false, true, true, u"details", u"K\r\n\r\nE", false},
+             {"errors alone", false, false, true, u"details", u"", true},
+             {"errors alone with the summary", false, false, true, u"all", u"SUMMARY\r\n\r\nE",
+              false},
+             {"nothing at all", false, false, false, u"details", u"", false},
+         })) {
+        CAPTURE(c.name);
+        Program program;
+        c.calendar ? logAppointment() : void();
+        c.contacts ? logContact() : void();
+        c.errors ? logFailure() : void();
+        const LogBlocks blocks = logGridZusammensetzung();
+        Text printed;
+        for (const char16_t letter : c.printed) {
+            printed += letter == u'C'   ? blocks.calendar
+                       : letter == u'K' ? blocks.contacts
+                       : letter == u'E' ? blocks.errors
+                                        : Text(1, letter);
+        }
+        logPrint(c.what);
+        CHECK(program.paper.jobs.size() == (c.box ? 0 : 1));
+        CHECK(program.screen.boxesShown.size() == (c.box ? 1 : 0));
+        if (!program.paper.jobs.empty()) {
+            const PrintJob& job = program.paper.jobs.front();
+            CHECK(job.text == printed);
+            CHECK(job.font == u"Arial");
+            CHECK(job.points == 12);
+            CHECK(job.tabStops == std::vector<int>{15, 30, 65, 85, 110, 130, 150, 160});
+        }
+    }
+}
+
+TEST_CASE("The summary alone goes to the printer as it stands, and a missing printer is told") {
+    Program program;
+    printLogSummary();
+    REQUIRE(program.paper.jobs.size() == 1);
+    CHECK(program.paper.jobs.front().text == u"SUMMARY");
+    app.ports.printer = nullptr;
+    logPrint(u"all");
+    CHECK(app.run.failures == 1);
+}
+
+TEST_CASE("A contact has failed by the failure's number, an appointment by its words") {
+    const Program program;
+    logContact(Failure(0, u"words alone"));
+    CHECK(logTables.contacts[conlog::Error] == u"Nein");
+    logContact(Failure(-5, u""));
+    CHECK(logTables.contacts[conlog::Error] == u"Ja");
+    CHECK(logTables.contacts[conlog::ErrorDesc] == u"-5");
+    CHECK(logTables.contacts[conlog::Name] == u"Meier");
+    CHECK(logTables.contacts[conlog::Phone] == u"0123");
+    CHECK(app.log.LogTransferFehler == 1);
+}
+
+TEST_CASE("The summary window shows a heading and six lines") {
+    const Program program;
+    logContact();
+    Table<LogSummary> rows;
+    fillSummary(rows);
+    CHECK(rows.recordCount() == 7);
+    rows.MoveFirst();
+    rows.MoveNext();
+    CHECK(rows[logsum::FieldName] == u"Übertragene Daten:");
+    CHECK(rows[logsum::FieldValue] == u"1");
+}
+
+TEST_CASE("Every column of the log has a title and a tip") {
+    const Program program;
+    CHECK(tr(calendarLogColumns()[0].tip) == u"Übertragungsziel");
+    CHECK(tr(calendarLogColumns()[4].tip) == u"Zeitpunkt des Eintrages");
+    CHECK(tr(contactLogColumns()[3].tip) == u"Kontakt Name");
+    CHECK(tr(errorLogColumns()[4].tip) == u"es wird der Funktionsname angezeigt");
+}
+
+TEST_CASE("A box that nobody saw stands in the log file, one from before the tables too") {
+    Program program;
+    NotedBoxes boxes(program.screen);
+    program.screen.answers = {Answer::ok, Answer::yes};
+    boxes.ask(u"T", u"Timer\r\nwrong", Icon::exclamation, Buttons::ok);
+    LogInit();
+    CHECK(boxes.ask(u"T", u"Really?", Icon::question, Buttons::yesNo) == Answer::yes);
+    CHECK(program.screen.boxesShown == std::vector<Text>{u"Timer\r\nwrong", u"Really?"});
+    logWriteFile();
+    CHECK(program.files.content.ends_with(u"\r\n\r\nMessages\r\n"
+                                          u"21.11.2026 10:00:00\tTimer wrong\t\t\r\n"
+                                          u"21.11.2026 10:00:00\tReally?\tYes\t\r\n"));
+    CHECK(app.run.failures == 0);
+    CHECK(logTables.errors.isEmpty());
+}
