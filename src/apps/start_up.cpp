@@ -171,7 +171,8 @@ bool Check4PrevInstance() {
             trace(u"Debug: NoPrevInstance", u"Debug:  NoPrevInstance");
             return;
         }
-        app.run.otherInstance = static_cast<bool>(app.core.GlobalSilentMode);
+        // Whoever only wanted to end an instance has what he wanted.
+        app.run.otherInstance = app.core.GlobalSilentMode && !app.core.GlobalCommandKill;
         const Text flagAndTitle = u"-1 : " + app.core.applicationTitle;
         trace(u"Debug: App.PrevInstance = " + flagAndTitle,
               u"Debug:  App.PrevInstance = " + flagAndTitle);

@@ -1,5 +1,6 @@
 #include "core/status_dialog.h"
 
+#include "core/instance_words.h"
 #include "core/language_strings.h"
 #include "core/state.h"
 
@@ -18,15 +19,20 @@ void Status_Anzeige::Start(TextView title, bool noShow) {
     app.ports.screen.status->text({});
 }
 
-void Status_Anzeige::SetText(TextView text) {
+void Status_Anzeige::letInputIn() {
+    hearOtherInstances();
     goOn_ = !app.ports.screen.status->cancelPressed() && goOn_;
+}
+
+void Status_Anzeige::SetText(TextView text) {
+    letInputIn();
     if (!finished_) {
         app.ports.screen.status->text(text);
     }
 }
 
 bool Status_Anzeige::GetState() {
-    goOn_ = !app.ports.screen.status->cancelPressed() && goOn_;
+    letInputIn();
     if (app.run.cancelled) {
         return false; // confirmed once: the run is on its way out
     }

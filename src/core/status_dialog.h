@@ -5,7 +5,8 @@
 namespace tandolin {
 
 /// The one progress dialog: what it decides, over the view of the screen. A long action calls it
-/// and so lets user input in; `SetText` and `GetState` are the only points where that happens.
+/// and so lets user input and the words of other instances in; `SetText` and `GetState` are the
+/// only points where that happens.
 class Status_Anzeige {
 public:
     /// Opens the dialog; one that is open is used again. With `noShow` it stays without a picture.
@@ -19,9 +20,9 @@ public:
     /// Which of the two controls can be seen.
     void showButtons(bool cancelShown, bool okShown);
 
-    [[nodiscard]] bool isOpen() const { return !finished_; }
-
 private:
+    void letInputIn();
+
     bool finished_ = true;
     bool goOn_ = true;
 };

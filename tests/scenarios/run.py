@@ -6,7 +6,7 @@
 A scenario holds
     phone/ organizer/ settings.toml   both sides before the run; taken from the scenario that `like` names where missing
     command                           the arguments, a line for each run; the two sides, settings, home and --json are added
-    how.json                          optional: like, day, env, bare, locked, terminated
+    how.json                          optional: like, day, env, bare, locked, terminated, killed
     expected/result.json              exit and what else is compared, see `check_result`
     expected/phone/                   what differs from phone/ afterwards; "phoneGone" in result.json names what is gone
     expected/stdout.txt, expected/home/, expected/khal.txt
@@ -59,6 +59,7 @@ class Scenario:
         self.how = json.loads((folder / "how.json").read_text()) if (folder / "how.json").exists() else {}
         self.result = json.loads((folder / "expected/result.json").read_text())
         self.commands = [line for line in (folder / "command").read_text().splitlines() if line.strip()]
+        self.stopped = "terminated" in self.how or "killed" in self.how
         self.copy = Path(tempfile.mkdtemp(prefix="tandolin-scenario-"))
 
     def lay_out(self):
@@ -101,27 +102,42 @@ class Scenario:
         document = json.loads(out) if out.startswith('{"mode"') else None
         return {"exit": status, "out": out, "errors": errors, "json": document}
 
-    def run_terminated(self, line):
-        """The program gets SIGTERM before it has read anything: its first line cannot leave, for the pipe is full."""
+    def run_stopped(self, line):
+        """The program is stopped before it has read anything: its first line cannot leave, for the pipe is full."""
         reading, writing = os.pipe()
         fcntl.fcntl(writing, fcntl.F_SETPIPE_SZ, 4096)
         os.write(writing, b"." * 4096)
         process = subprocess.Popen([self.program, *self.arguments(line, ["--json"])], cwd=self.copy,
                                    env=self.environment(), stdout=subprocess.PIPE, stderr=writing)
         os.close(writing)
-        catches = 0
-        while not catches >> (signal.SIGTERM - 1) & 1:
-            status = Path(f"/proc/{process.pid}/status").read_text()
-            catches = int(re.search(r"SigCgt:\s*(\w+)", status).group(1), 16)
-            if process.poll() is not None:
-                raise Mismatch("the program ended before it could be stopped")
-        process.send_signal(signal.SIGTERM)
+        (self.kill if "killed" in self.how else self.terminate)(process)
         errors = b""
         while chunk := os.read(reading, 4096):
             errors += chunk
         os.close(reading)
         out = process.communicate(timeout=TIMEOUT)[0]
         return self.outcome(process.returncode, out.decode(), errors.decode().lstrip("."))
+
+    @staticmethod
+    def still_runs(process):
+        if process.poll() is not None:
+            raise Mismatch("the program ended before it could be stopped")
+
+    def terminate(self, process):
+        catches = 0
+        while not catches >> (signal.SIGTERM - 1) & 1:
+            status = Path(f"/proc/{process.pid}/status").read_text()
+            catches = int(re.search(r"SigCgt:\s*(\w+)", status).group(1), 16)
+            self.still_runs(process)
+        process.send_signal(signal.SIGTERM)
+
+    def kill(self, process):
+        """A second process sends the word; it is done at once, whether the first one takes it or not."""
+        while not (self.copy / "state/halverntandolin/socket").exists():
+            self.still_runs(process)
+        outcome = self.run(self.how["killed"])
+        expect("what KILL ends with", [outcome["exit"], outcome["out"], outcome["errors"]], [0, "", ""])
+        self.still_runs(process)
 
     def state(self):
         return {side: tree(self.copy / side) for side in ("phone", "organizer") if (self.copy / side).exists()}
@@ -237,14 +253,14 @@ def check_same_story(dry, real):
 
 
 def run_in_earnest(scenario, line):
-    if scenario.how.get("terminated"):
-        return scenario.run_terminated(line)
+    if scenario.stopped:
+        return scenario.run_stopped(line)
     return scenario.run(line, *([] if (scenario.folder / "expected/stdout.txt").exists() else ["--json"]))
 
 
 def one_command(scenario, line):
     result = scenario.result
-    dry = None if result["exit"] in (2, 6, 7) or scenario.how.get("terminated") else check_dry_run(scenario, line)
+    dry = None if result["exit"] in (2, 6, 7) or scenario.stopped else check_dry_run(scenario, line)
     settings = tree(scenario.copy).get("settings.toml")
     before = scenario.state()
     real = run_in_earnest(scenario, line)
@@ -258,7 +274,7 @@ def one_command(scenario, line):
         check_new_items(before["organizer"], after["organizer"], result.get("newItems", []))
     check_files(scenario, settings, real)
     check_khal(scenario)
-    if not scenario.how.get("terminated"):
+    if not scenario.stopped:
         second_run(scenario, line, after)
 
 

@@ -20,7 +20,9 @@ constexpr const char* kFooter = R"(Words (any case, any place):
   NOORG         run without the organizer
   D             show every object that is sent or received
   DEBUG         write the trace TDLDebug.txt into the home directory
-  CALLER=x TIMER=n KILL
+  CALLER=OL     lets the run be ended by another start with KILL
+  KILL          ends a run that was started with CALLER=OL, and nothing else
+  TIMER=n
 
 Example:
   halverntandolin --phone dir:PHONE --organizer folder:ORG VCAL

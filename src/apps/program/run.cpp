@@ -85,10 +85,15 @@ bool hasWord(const std::vector<std::string>& words, TextView word) {
         words, [word](const std::string& w) { return sameText(fromUtf8(w), word); });
 }
 
+/// A start that ends another instance and does nothing else.
+bool isKill(const Options& options) {
+    return hasWord(options.words, u"KILL");
+}
+
 /// Words of a later version, and starts that need a window.
 std::optional<int> endsAtOnce(const Options& options, std::ostream& errors) {
-    if (hasWord(options.words, u"KILL")) {
-        return 0; // an unattended run is never ended from outside, and there is no window yet
+    if (isKill(options)) {
+        return std::nullopt;
     }
     for (const TextView word : {u"BOTH", u"VCARD", u"OPTIONS"}) {
         if (hasWord(options.words, word)) {
@@ -230,7 +235,7 @@ int report(const Options& options, RunFacts facts, std::ostream& out) {
     facts.exit = exitStatus();
     if (options.json) {
         writeJson(out, facts);
-    } else if (!options.quiet) {
+    } else if (!options.quiet && !isKill(options)) {
         writeSummary(out);
     }
     out.flush();

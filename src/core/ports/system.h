@@ -48,6 +48,10 @@ public:
     virtual void activate() = 0;
     /// Tells the first instance to end.
     virtual void kill() = 0;
+
+    /// The next word that a later instance sent to this one, in the order of sending, or nothing.
+    /// Never waits; a link without an ear hears nothing.
+    virtual std::optional<Text> received() { return std::nullopt; }
 };
 
 /// Text files of the home directory (log and trace). Paths are composed with backslashes and mapped

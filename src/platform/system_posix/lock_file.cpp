@@ -1,5 +1,6 @@
 #include "platform/system_posix/lock_file.h"
 
+#include "core/instance_words.h"
 #include "platform/system_posix/atomic_file.h"
 
 #include <fcntl.h>
@@ -28,7 +29,16 @@ bool LockFile::previousInstance() {
         throw failureOfErrno(errno, path, u"cannot take the lock");
     }
     held_ = std::move(opened);
+    socket_.listen(directory_);
     return false;
+}
+
+void LockFile::activate() {
+    InstanceSocket::send(directory_, kActivateWord);
+}
+
+void LockFile::kill() {
+    InstanceSocket::send(directory_, kKillWord);
 }
 
 } // namespace tandolin::platform

@@ -2,6 +2,7 @@
 
 #include "core/ports/system.h"
 #include "platform/system_posix/descriptor.h"
+#include "platform/system_posix/instance_socket.h"
 
 #include <filesystem>
 
@@ -16,18 +17,19 @@ public:
     /// lock is taken.
     explicit LockFile(std::filesystem::path stateDirectory);
 
-    /// Held until this object is destroyed.
+    /// Held until this object is destroyed; words of later instances are heard as long.
     bool previousInstance() override;
 
-    /// Words to the first instance go through a socket beside the lock, which the desktop program
-    /// opens. An instance without one cannot be reached: both do nothing.
-    void activate() override {}
+    /// Words to the first instance go through the socket beside the lock.
+    void activate() override;
+    void kill() override;
 
-    void kill() override {}
+    std::optional<Text> received() override { return socket_.received(); }
 
 private:
     std::filesystem::path directory_;
     Descriptor held_;
+    InstanceSocket socket_; ///< declared behind the lock: gone before the lock is free
 };
 
 } // namespace tandolin::platform
