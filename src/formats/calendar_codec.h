@@ -15,15 +15,16 @@ namespace tandolin {
 
 /// Reads an object into the current row, which is a new one. True when it was read to its end. A
 /// failure is reported with the file name and the line of the property, counted from 1; the row
-/// keeps what was read until then.
-bool ParsEntryFromMobile(Table<Calendar>& table, TextView object, TextView fileName = {});
+/// keeps what was read until then. `codePage`: the object's bytes were no UTF-8.
+bool ParsEntryFromMobile(Table<Calendar>& table, TextView object, TextView fileName = {},
+                         bool codePage = false);
 
 /// The same without the report and without a box: the failure itself, or nothing.
 std::optional<Failure> readCalendarObject(Table<Calendar>& table, TextView object,
-                                          TextView fileName = {});
+                                          TextView fileName = {}, bool codePage = false);
 
-/// The object of the current row, CR LF behind every line. The caller has cut the texts to the phone's
-/// length before. Throws Failure 6 for a date or day mask that is out of range.
+/// The object of the current row, CR LF behind every line. The caller has cut the texts to the
+/// phone's length before. Throws Failure 6 for a date or day mask that is out of range.
 Text calendarObject(const Table<Calendar>& table);
 
 /// After a match: the target's row takes the phone's side of the source's row.

@@ -43,8 +43,8 @@ Date objectDate(TextView value) {
 /// One object on its way into the current row.
 class ObjectReader {
 public:
-    ObjectReader(Table<Calendar>& row, TextView object, TextView fileName)
-        : row_(row), rest_(object), fileName_(fileName) {}
+    ObjectReader(Table<Calendar>& row, TextView object, TextView fileName, bool codePage)
+        : row_(row), rest_(object), fileName_(fileName), codePage_(codePage) {}
 
     std::optional<Failure> run() {
         auto failure = attempt([this] {
@@ -79,7 +79,8 @@ private:
         while (rest_.starts_with(u' ')) {
             value_ += nextLine();
         }
-        encodeString(value_, tag, utf8_, fileName_, propertyLine_);
+        encodeString(value_, tag, utf8_,
+                     {.file = fileName_, .line = propertyLine_, .codePage = codePage_});
         row_.set(cal::UTF8Flag, utf8_);
         tag_ = tag.substr(0, tag.find(u';'));
         const auto* const property = std::ranges::find(kProperties, tag_, &Property::tag);
@@ -248,6 +249,7 @@ private:
     Table<Calendar>& row_;
     TextView rest_;
     TextView fileName_;
+    bool codePage_;
     TextView tag_;
     Text value_;
     std::int16_t depth_ = 0;
@@ -273,11 +275,12 @@ const std::array<ObjectReader::Property, 11> ObjectReader::kProperties{{
 } // namespace
 
 std::optional<Failure> readCalendarObject(Table<Calendar>& table, TextView object,
-                                          TextView fileName) {
-    return ObjectReader(table, object, fileName).run();
+                                          TextView fileName, bool codePage) {
+    return ObjectReader(table, object, fileName, codePage).run();
 }
 
-bool ParsEntryFromMobile(Table<Calendar>& table, TextView object, TextView fileName) {
+bool ParsEntryFromMobile(Table<Calendar>& table, TextView object, TextView fileName,
+                         bool codePage) {
     constexpr Place kHere{u"vCal", u"ParsEntryFromMobile"};
     return trapped(
         kHere, false,
@@ -286,7 +289,7 @@ bool ParsEntryFromMobile(Table<Calendar>& table, TextView object, TextView fileN
                 app.ports.screen.boxes->ask(tr(ids::kProgramTitle), object, Icon::none,
                                             Buttons::ok);
             }
-            if (const auto failure = readCalendarObject(table, object, fileName)) {
+            if (const auto failure = readCalendarObject(table, object, fileName, codePage)) {
                 throw Failure(*failure);
             }
             read = true;

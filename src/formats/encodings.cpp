@@ -66,9 +66,17 @@ bool isAscii(TextView text) {
 }
 
 /// The bytes that a value of the charset UTF-8 stands for. A letter that is not encoded is the byte
-/// of its ANSI code. Where that makes no UTF-8 the object was UTF-8 as a whole, and such a letter
-/// stands for itself.
-std::string utf8BytesOf(TextView value) {
+/// of its ANSI code. Where that makes no UTF-8 and the object was UTF-8 as a whole, such a letter
+/// stands for itself; in an object of the code page it contradicts the charset, and to read it and
+/// its neighbours as one sequence would make another letter of them.
+std::string utf8BytesOf(TextView value, bool codePage) {
+    if (codePage && !isAscii(value)) {
+        const std::string bytes = unquoted(bytesOfText(value));
+        if (!isUtf8(bytes)) {
+            throw badByteCount(u"encodeString");
+        }
+        return bytes;
+    }
     if (!isAscii(value)) {
         const bool hasAnsi =
             std::ranges::all_of(value, [](char16_t c) { return ansiByte(c).has_value(); });
@@ -175,23 +183,23 @@ Text StringToUniToUTFToQuoted(TextView text) {
     return quoted;
 }
 
-void encodeString(Text& value, TextView tag, bool& utf8, TextView file, int line) {
+void encodeString(Text& value, TextView tag, bool& utf8, const ValueOrigin& origin) {
     // A value of another charset stays in its encoded form.
     if (tag.find(u"ENCODING=QUOTED-PRINTABLE") == TextView::npos ||
         tag.find(u"UTF-8") == TextView::npos) {
         return;
     }
     auto failure = attempt([&] {
-        const std::string bytes = utf8BytesOf(value);
+        const std::string bytes = utf8BytesOf(value, origin.codePage);
         if (bytes.front() != '\0') {
             value = textOfUtf8(bytes);
             utf8 = true;
         }
     });
     if (failure) {
-        failure->File = file;
-        failure->Line = line;
-        ReportError(*failure, {u"unicode", u"encodeString"}, file);
+        failure->File = origin.file;
+        failure->Line = origin.line;
+        ReportError(*failure, {u"unicode", u"encodeString"}, origin.file);
     }
 }
 

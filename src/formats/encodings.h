@@ -37,10 +37,18 @@ std::int16_t CheckUTF8ByteCount(std::uint8_t byte);
 /// of its own, and so the phones read it back.
 Text StringToUniToUTFToQuoted(TextView text);
 
+/// Where a value was read.
+struct ValueOrigin {
+    TextView file;
+    int line = 0;
+    /// The object's bytes were no UTF-8 and were read by the code page.
+    bool codePage = false;
+};
+
 /// Decodes a value in place where its tag (with all parameters) says quoted printable and UTF-8,
 /// and sets the flag then; any other value stays as it is. Broken UTF-8 and a code point above
-/// 10FFFF are reported, with `file` and `line` where they are known; value and flag stay as they
-/// were.
-void encodeString(Text& value, TextView tag, bool& utf8, TextView file = {}, int line = 0);
+/// 10FFFF are reported, and so is a bare letter of the code page, which contradicts the tag; value
+/// and flag stay as they were.
+void encodeString(Text& value, TextView tag, bool& utf8, const ValueOrigin& origin = {});
 
 } // namespace tandolin

@@ -101,7 +101,8 @@ bool PXDTest(std::unique_ptr<PhoneServer>& server) {
     });
 }
 
-bool readObjectText(PhoneServer& server, TextView path, TextView fileName, Text& text) {
+bool readObjectText(PhoneServer& server, TextView path, TextView fileName, Text& text,
+                    bool* codePage) {
     bool found = false;
     aboutFile(fileName, [&] {
         PXDStream stream = server.PXDRead(fullPath(path, fileName));
@@ -114,19 +115,22 @@ bool readObjectText(PhoneServer& server, TextView path, TextView fileName, Text&
             throw *failure;
         }
         text = textOfBytes(bytes);
+        if (codePage != nullptr) {
+            *codePage = !isUtf8(bytes);
+        }
         found = true;
     });
     return found;
 }
 
 bool GetSingleMobileEntry(std::unique_ptr<PhoneServer>& server, TextView path, Text& text,
-                          TextView fileName) {
+                          TextView fileName, bool* codePage) {
     static constexpr Place here{kModule, u"GetSingleMobileEntry"};
     return trapped(
         here, false,
         [&](bool& read) {
             text.clear();
-            read = server && readObjectText(*server, path, fileName, text);
+            read = server && readObjectText(*server, path, fileName, text, codePage);
         },
         fileName);
 }

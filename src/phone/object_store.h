@@ -23,13 +23,15 @@ std::unique_ptr<PhoneServer>& phoneServer();
 /// Makes sure that the server object can be created; failing that, a report of -1990 and false.
 bool PXDTest(std::unique_ptr<PhoneServer>& server);
 
-/// The text of one object; empty and false when it is absent or cannot be read.
+/// The text of one object; empty and false when it is absent or cannot be read. `codePage` takes
+/// whether its bytes were no UTF-8 and were read by the code page.
 bool GetSingleMobileEntry(std::unique_ptr<PhoneServer>& server, TextView path, Text& text,
-                          TextView fileName);
+                          TextView fileName, bool* codePage = nullptr);
 
 /// The same for a caller with a trap of its own: `text` is set when the result is true, an absent
 /// file is false, every failure is thrown with the file's name. `server` is not empty.
-bool readObjectText(PhoneServer& server, TextView path, TextView fileName, Text& text);
+bool readObjectText(PhoneServer& server, TextView path, TextView fileName, Text& text,
+                    bool* codePage = nullptr);
 
 /// The names of the files that match the pattern; their number, or -1 for an empty listing as for
 /// a failed one. `names` keeps its content then.

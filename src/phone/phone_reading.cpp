@@ -53,9 +53,10 @@ void takeIntoMainTable() {
 /// One object; false ends the read. An empty object is passed over, and the count then tells.
 bool readOne(TextView fileName) {
     Text object;
+    bool codePage = false;
     const std::int16_t failuresBefore = app.core.GlobalProgramFehler;
     if (!GetSingleMobileEntry(app.phone.PXDServer, app.phone.GlobalMobilePaths.calendarDirectory,
-                              object, fileName)) {
+                              object, fileName, &codePage)) {
         if (app.core.GlobalProgramFehler == failuresBefore) {
             reportObject(fileName, u"The object is gone"); // an absent file alone is no failure
         }
@@ -66,7 +67,7 @@ bool readOne(TextView fileName) {
         return true;
     }
     const WorkRow row;
-    if (!ParsEntryFromMobile(tables.RSCalendarWork, object, fileName)) {
+    if (!ParsEntryFromMobile(tables.RSCalendarWork, object, fileName, codePage)) {
         return false;
     }
     setStoreFields(tables.RSCalendarWork, fileName);

@@ -75,16 +75,41 @@ TEST_CASE("a value that cannot be decoded is reported and stays") {
         keepReports();
         Text value = c.value;
         bool utf8 = false;
-        encodeString(value, kEncodedTag, utf8, u"17.vcs", 9);
+        encodeString(value, kEncodedTag, utf8, {.file = u"17.vcs", .line = 9});
         CHECK(value == c.value);
         CHECK_FALSE(utf8);
         CHECK(reports.size() == 1);
         utf8 = true; // of the values before
-        encodeString(value, kEncodedTag, utf8, u"17.vcs", 9);
+        encodeString(value, kEncodedTag, utf8, {.file = u"17.vcs", .line = 9});
         CHECK(utf8);
         CHECK(reports.back().failure.Number == c.number);
         CHECK(reports.back().failure.File == u"17.vcs");
         CHECK(reports.back().failure.Line == 9);
+    }
+}
+
+TEST_CASE("a bare letter in an object of the code page contradicts the charset") {
+    struct Case {
+        const char* name;
+        Text value, decoded; ///< decoded is empty where the value stays
+    };
+
+    for (const Case& c : std::to_array<Case>({
+             {"in the middle", u"K\u00E4se =C3=B6", u""},
+             {"at the end", u"Caf\u00E9", u""},
+             {"without anything encoded", u"\u00FCber", u""},
+             {"two that are one letter of UTF-8", u"\u00C3\u00A4=C3=B6", u"äö"},
+             {"none", u"=C3=A4", u"ä"},
+         })) {
+        CAPTURE(c.name);
+        const FreshProgram program;
+        keepReports();
+        Text value = c.value;
+        bool utf8 = false;
+        encodeString(value, kEncodedTag, utf8, {.file = {}, .codePage = true});
+        CHECK(value == (c.decoded.empty() ? c.value : c.decoded));
+        CHECK(utf8 == !c.decoded.empty());
+        CHECK(reports.size() == (c.decoded.empty() ? 1U : 0U));
     }
 }
 

@@ -110,8 +110,9 @@ Json documentOf(const std::string& file, const std::string& bytes, std::optional
         failure = Failure(failure_number::kServerFailed, u"The object is empty");
     }
     if (!failure) {
-        const auto unread =
-            attempt([&] { failure = readCalendarObject(row, textOfBytes(bytes), fromUtf8(file)); });
+        const auto unread = attempt([&] {
+            failure = readCalendarObject(row, textOfBytes(bytes), fromUtf8(file), !isUtf8(bytes));
+        });
         failure = unread ? unread : failure;
     }
     Json document{{"file", file},
