@@ -42,7 +42,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::string bytes(data, data + size);
     Table<Calendar> table;
     vCalCreateNewRecord(table);
-    if (!readCalendarObject(table, textOfBytes(bytes))) {
+    if (!readCalendarObject(table, textOfBytes(bytes), {}, !isUtf8(bytes))) {
         checkWayBack(table);
         MoveSerieIntoPeriod(table);
         checkWayBack(table);
