@@ -23,7 +23,8 @@ public:
     /// not fail for want of somebody who could end it.
     void listen(const std::filesystem::path& directory);
 
-    /// The next word, or nothing; never waits.
+    /// The next word, or nothing. Waits a moment at most, when somebody called and has not spoken
+    /// yet.
     std::optional<Text> received();
 
     /// Sends a word to the instance that listens; without one there is nobody to tell. Waits no
