@@ -129,6 +129,7 @@ std::int64_t minutesBetween(Date from, Date to) {
 Text isoDate(Date date) {
     const Civil c = civilOf(date);
     Text text;
+    text.reserve(10);
     putDigits(text, c.year, 4);
     text += u'-';
     putDigits(text, c.month, 2);
@@ -140,6 +141,7 @@ Text isoDate(Date date) {
 Text isoTime(Date date) {
     const Civil c = civilOf(date);
     Text text;
+    text.reserve(8);
     putDigits(text, c.hour, 2);
     text += u':';
     putDigits(text, c.minute, 2);
@@ -156,6 +158,7 @@ Text compactDateTime(Date day, Date time) {
     const Civil d = civilOf(day);
     const Civil t = civilOf(time);
     Text text;
+    text.reserve(16);
     putDigits(text, d.year, 4);
     putDigits(text, d.month, 2);
     putDigits(text, d.day, 2);

@@ -253,6 +253,7 @@ Text dateInFormat(Date date, TextView format) {
     static Tokens tokens(kDateLetters);
     const Civil civil = civilOf(date);
     Text text;
+    text.reserve(20);
     for (const Token& token : tokens.of(format)) {
         if (token.letter == 0) {
             text += token.literal;
@@ -276,6 +277,7 @@ Text timeInFormat(Date time, TextView format, DayHalves halves) {
     const int hour = twelveHours ? (civil.hour + 11) % 12 + 1 : civil.hour;
     halves = spoken(halves);
     Text text;
+    text.reserve(20);
     for (const Token& token : tokens) {
         switch (token.letter) {
         case u'h':

@@ -147,6 +147,7 @@ Text dateAsText(Date date) {
     // Composed by hand: it is made several times for each row.
     const Civil c = civilOf(date);
     Text text;
+    text.reserve(20);
     putDigits(text, c.day, 2);
     text += u'.';
     putDigits(text, c.month, 2);

@@ -3,7 +3,6 @@
 #include "core/failure.h"
 
 #include <algorithm>
-#include <iterator>
 #include <limits>
 
 namespace tandolin {
@@ -131,10 +130,13 @@ Text fromUtf8(std::string_view bytes) {
 
 std::string toUtf8(TextView text) {
     const auto ascii = std::ranges::find_if(text, [](char16_t unit) { return unit >= 0x80; });
-    std::string bytes;
-    bytes.reserve(text.size());
-    std::ranges::transform(text.begin(), ascii, std::back_inserter(bytes),
+    std::string bytes(static_cast<std::size_t>(ascii - text.begin()), '\0');
+    std::ranges::transform(text.begin(), ascii, bytes.begin(),
                            [](char16_t unit) { return static_cast<char>(unit); });
+    if (ascii == text.end()) {
+        return bytes;
+    }
+    bytes.reserve(text.size() * 2);
     const auto put = [&](char32_t value) { bytes += static_cast<char>(value); };
     for (std::size_t i = bytes.size(); i < text.size(); ++i) {
         char32_t value = text[i];

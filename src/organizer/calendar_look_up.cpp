@@ -57,6 +57,9 @@ private:
             if (rowIsPaired()) {
                 return;
             }
+            if (isInTable(item.EntryID)) {
+                continue; // it was compared with every row when it was read
+            }
             Table<Calendar> scratch;
             vCalCreateNewRecord(scratch);
             if (InsertEntry(factsForRow(item), scratch)) {
@@ -77,8 +80,7 @@ private:
             }
             return;
         }
-        const bool known = isInTable(scratch[cal::UID]);
-        heldInOtherForm_ = heldInOtherForm_ || (!known && equalsOnPhone(scratch));
+        heldInOtherForm_ = heldInOtherForm_ || equalsOnPhone(scratch);
     }
 
     bool isInTable(TextView uid) {

@@ -37,10 +37,11 @@ bool writeBytes(int descriptor, std::string_view bytes) {
 }
 
 std::string temporaryName(const std::string& target) {
+    static const std::string process = std::to_string(::getpid());
     static unsigned made = 0;
     const std::size_t folder = target.rfind('/');
-    return target.substr(0, folder == std::string::npos ? 0 : folder + 1) + ".tandolin-" +
-           std::to_string(::getpid()) + '-' + std::to_string(++made);
+    return target.substr(0, folder == std::string::npos ? 0 : folder + 1) + ".tandolin-" + process +
+           '-' + std::to_string(++made);
 }
 
 /// A file under its temporary name; removed at the end of the scope unless it was renamed.

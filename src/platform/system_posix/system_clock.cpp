@@ -9,6 +9,9 @@ namespace tandolin::platform {
 
 Date SystemClock::now() const {
     const std::time_t seconds = std::time(nullptr);
+    if (seconds == second_) {
+        return date_;
+    }
     std::tm parts{};
     // localtime_r need not look at TZ again by itself.
     tzset();
@@ -21,7 +24,9 @@ Date SystemClock::now() const {
     if (!moment) {
         throw overflowFailure();
     }
-    return *moment;
+    second_ = seconds;
+    date_ = *moment;
+    return date_;
 }
 
 } // namespace tandolin::platform
