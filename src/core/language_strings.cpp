@@ -40,9 +40,14 @@ void setStartLanguage() {
                 code.insert(code.begin(), u'0');
             }
         }
-        app.core.GlobalLanguageFile = app.settings.HomeDir + u"\\Lng\\TDLRES" + code + u".dll";
+        setLanguageFile();
         LoadLanguageStrings();
     });
+}
+
+void setLanguageFile() {
+    app.core.GlobalLanguageFile =
+        app.settings.HomeDir + u"\\Lng\\TDLRES" + app.settings.Sprache + u".dll";
 }
 
 void LoadLanguageStrings() {

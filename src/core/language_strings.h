@@ -15,8 +15,10 @@ struct StringId {
 /// The ids that the program's logic speaks with; the remaining ones belong to windows.
 namespace ids {
 inline constexpr StringId kProgramTitle{449};
+inline constexpr StringId kFreeEntriesSetting{450};
 inline constexpr StringId kFreeEntriesTo{451};
 inline constexpr StringId kFreeEntriesReset{452};
+inline constexpr StringId kReadingPhoneEntries{458};
 inline constexpr StringId kSearchOrganizer{466};
 inline constexpr StringId kPhoneEntriesUsed{470};
 inline constexpr StringId kReadingPhoneStatus{471};
@@ -27,6 +29,7 @@ inline constexpr StringId kLocation{483};
 inline constexpr StringId kCreated{529};
 inline constexpr StringId kChanged{530};
 inline constexpr StringId kDeleted{531};
+inline constexpr StringId kFreeEntriesTooMany{512};
 inline constexpr StringId kBirthday{525};
 inline constexpr StringId kPhoneCall{526};
 inline constexpr StringId kStart{549};
@@ -36,8 +39,10 @@ inline constexpr StringId kSyncEntries{552};
 inline constexpr StringId kSyncRow{554};
 inline constexpr StringId kAutoSync{555};
 inline constexpr StringId kPleaseWait{556};
+inline constexpr StringId kNoPort{558};
 inline constexpr StringId kNoPhoneServer{601};
 inline constexpr StringId kInstallPhoneServer{602};
+inline constexpr StringId kTransferNow{708};
 inline constexpr StringId kPhoneSilent{711};
 inline constexpr StringId kPhoneSilentCause{712};
 inline constexpr StringId kPhoneBusyCause{713};
@@ -92,6 +97,8 @@ inline constexpr StringId kAllEntriesUsed{835};
 inline constexpr StringId kConnected{890};
 inline constexpr StringId kNoPhone{891};
 inline constexpr StringId kNotConnected{892};
+inline constexpr StringId kMakingRows{893};
+inline constexpr StringId kAutodelete{894};
 inline constexpr StringId kNoDefaultCalendar{925};
 inline constexpr StringId kCalendarFolderFailed{926};
 inline constexpr StringId kNoTables{936};
@@ -141,6 +148,9 @@ const Text& tr(StringId id);
 /// At start-up: takes the language code from the locale where the setting has none, composes
 /// `GlobalLanguageFile` and loads the strings.
 void setStartLanguage();
+
+/// Composes `GlobalLanguageFile` of the home directory and the language code.
+void setLanguageFile();
 
 /// Loads the library named by `GlobalLanguageFile` and fills the strings from it, or puts the
 /// built-in German set in force; releases the library.

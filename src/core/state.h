@@ -5,6 +5,7 @@
 #include "core/language_strings.h"
 #include "core/ports/ports.h"
 #include "core/settings.h"
+#include "core/settings_form.h"
 #include "core/status_dialog.h"
 
 #include <cstdint>
@@ -163,7 +164,8 @@ struct Note {
     Text reason;
 };
 
-/// What decides the exit status of a run. Each is set where it happens and never cleared.
+/// What decides the exit status of a run. Each is set where it happens and never cleared; only a
+/// cancel ends with its action where a user has the window.
 struct RunState {
     bool usage = false;
     bool phoneFailed = false;
@@ -200,6 +202,8 @@ struct AppState {
     SyncState sync;
     LogState log;
     RunState run;
+    /// The settings dialog; it stays loaded, and Autodelete reads its controls.
+    SettingsForm Einstellungen;
 };
 
 inline AppState app;

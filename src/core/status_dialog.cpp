@@ -15,6 +15,7 @@ void Status_Anzeige::Start(TextView title, bool noShow) {
         return;
     }
     goOn_ = true;
+    app.run.cancelled = app.run.cancelled && app.core.GlobalSilentMode;
     app.ports.screen.status->open(title);
     app.ports.screen.status->text({});
 }
@@ -33,8 +34,8 @@ void Status_Anzeige::SetText(TextView text) {
 
 bool Status_Anzeige::GetState() {
     letInputIn();
-    if (app.run.cancelled) {
-        return false; // confirmed once: the run is on its way out
+    if (app.run.cancelled && (app.core.GlobalSilentMode || !finished_)) {
+        return false; // confirmed once: run or action is on its way out
     }
     if (finished_ || goOn_) {
         return true;
@@ -57,6 +58,18 @@ void Status_Anzeige::Quit() {
 
 void Status_Anzeige::showButtons(bool cancelShown, bool okShown) {
     app.ports.screen.status->buttons(cancelShown, okShown);
+}
+
+StatusDialog::StatusDialog() : own_(!app.status.isOpen()) {
+    if (own_) {
+        app.status.Start(tr(ids::kProgramTitle));
+    }
+}
+
+StatusDialog::~StatusDialog() {
+    if (own_) {
+        app.status.Quit();
+    }
 }
 
 } // namespace tandolin

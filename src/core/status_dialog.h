@@ -10,6 +10,7 @@ namespace tandolin {
 class Status_Anzeige {
 public:
     /// Opens the dialog; one that is open is used again. With `noShow` it stays without a picture.
+    /// Where a user has the window, a cancel of the action before ends with it.
     void Start(TextView title, bool noShow = false);
     /// Lets user input in, then shows the text while the dialog is open.
     void SetText(TextView text);
@@ -25,6 +26,19 @@ private:
 
     bool finished_ = true;
     bool goOn_ = true;
+};
+
+/// The status dialog for the time of one action. Within a longer action that has it open already,
+/// it neither starts nor quits it.
+class StatusDialog {
+public:
+    StatusDialog();
+    StatusDialog(const StatusDialog&) = delete;
+    StatusDialog& operator=(const StatusDialog&) = delete;
+    ~StatusDialog();
+
+private:
+    bool own_;
 };
 
 } // namespace tandolin

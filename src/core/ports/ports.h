@@ -7,6 +7,7 @@
 #include "core/ports/settings_store.h"
 #include "core/ports/system.h"
 
+#include <cstdint>
 #include <functional>
 #include <memory>
 
@@ -25,6 +26,9 @@ struct Ports {
     Clock* clock = nullptr;
     UserLocale* locale = nullptr;
     InstanceLink* instance = nullptr;
+    /// Opens and closes the device behind "COM" with this number (1 to 16); 0 when that went well,
+    /// else the number of the failure. Empty where ports cannot be looked for.
+    std::function<std::int32_t(std::int16_t port)> tryPort;
     HomeFiles* files = nullptr;
     /// Null where nothing can be printed.
     Printer* printer = nullptr;

@@ -51,6 +51,25 @@ public:
     virtual void runModal(Form form) = 0;
     virtual void TDLInitForm(bool organizerPresent) = 0;
     virtual void focusMain() = 0;
+
+    // What only a window with pictures, menus and grids can show.
+
+    /// The picture beside the phone's name: of a phone that is connected, or of none.
+    virtual void phonePicture(bool /*connected*/) {}
+
+    /// Sets the menus up anew.
+    virtual void SetMenus_Click() {}
+
+    /// The progress pane tells what was read from `source` so far; with `clear` it is emptied.
+    virtual void SetProgressStatus(TextView /*source*/, bool /*clear*/) {}
+
+    virtual void selectFirstRow(Grid /*grid*/) {}
+
+    /// The column becomes the current one; counted from 1.
+    virtual void currentColumn(Grid /*grid*/, int /*column*/) {}
+
+    /// The form goes out of sight and stays loaded.
+    virtual void hide(Form /*form*/) {}
 };
 
 /// The bundle of what a program shows.
