@@ -187,7 +187,7 @@ bool TestOLCalFolder() {
 }
 
 bool vCalReadOutlook(Table<Calendar>& table, bool noGridRefresh) {
-    app.status.Start(tr(ids::kProgramTitle));
+    const StatusDialog dialog;
     const bool done = readCalendar(table, {wholeDay(app.sync.DateFrameFrom), app.sync.DateFrameTo},
                                    {kModule, u"vCalReadOutlook"});
     if (done && !noGridRefresh) {

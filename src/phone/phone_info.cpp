@@ -3,6 +3,7 @@
 #include "core/trap.h"
 #include "phone/object_store.h"
 #include "phone/phone_status.h"
+#include "sync/status_arrays.h"
 
 #include <algorithm>
 
@@ -81,13 +82,6 @@ bool readCalendarInfo(Server& server, const MobilePaths& paths) {
 bool readPhoneBookInfo(Server& server, const MobilePaths& paths) {
     return readAndEvaluate(server, {paths.phoneBookDirectory, paths.phoneBookInfoFile,
                                     app.phone.vCardMaxEntries, app.phone.vCardTotalRecords, u"1"});
-}
-
-void enableAutoSync(bool enabled) {
-    if (MainWindow* window = app.ports.screen.window) {
-        window->toolEnabled(u"TDLOrganizerMenu", u"TDLAutoSync", enabled);
-        window->toolEnabled(u"TDLTools", u"TDLAutoSync", enabled);
-    }
 }
 
 void noteConnected() {

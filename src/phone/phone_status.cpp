@@ -45,6 +45,29 @@ void SetStatusBarMobile(bool contacts) {
                      u' ' + tr(connected ? ids::kConnected : ids::kNotConnected));
         window->pane(Pane::EntryCounter,
                      u' ' + tr(ids::kPhoneEntriesUsed) + u": " + entryCounter(contacts));
+        window->phonePicture(connected);
+        window->SetMenus_Click();
+    });
+}
+
+void MobileEntriesPruefung() {
+    trapped({u"Mobile", u"MobileEntriesPruefung"}, [] {
+        PhoneState& phone = app.phone;
+        if (phone.vCalMaxEntries >= phone.vCalEntryCount) {
+            return;
+        }
+        const std::int16_t kept = int16Of(std::int64_t{app.settings.freeMobileEntries} -
+                                          (phone.vCalEntryCount - phone.vCalMaxEntries));
+        const std::int16_t usable = int16Of(std::int64_t{phone.vCalMaxRecords} - kept);
+        app.ports.screen.boxes->ask(tr(ids::kProgramTitle),
+                                    tr(ids::kFreeEntriesSetting) + tr(ids::kFreeEntriesTooMany) +
+                                        tr(ids::kFreeEntriesTo) + decimal(kept) +
+                                        tr(ids::kFreeEntriesReset),
+                                    Icon::exclamation, Buttons::ok);
+        app.settings.freeMobileEntries = kept;
+        app.Einstellungen.Puffer_Anzahl = decimal(kept);
+        phone.vCalMaxEntries = usable;
+        SetStatusBarMobile(app.settings.ActiveAPP == 1);
     });
 }
 

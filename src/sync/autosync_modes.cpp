@@ -121,19 +121,6 @@ bool guardAllows(Table<Calendar>& table, std::int32_t count) {
     return false;
 }
 
-/// A series that was moved into the period has lost its alarm's time of day; it may be sent again.
-void restoreAlarms(Table<Calendar>& table) {
-    if (!table[cal::IsRecurring]) {
-        return;
-    }
-    if (table[cal::AAlarmFlag]) {
-        table.set(cal::AAlarm, table[cal::Start]);
-    }
-    if (table[cal::DAlarmFlag]) {
-        table.set(cal::DAlarm, table[cal::Start]);
-    }
-}
-
 bool removeFromPhone(Table<Calendar>& table) {
     if (!RemoveEntryFromMobile(table)) {
         app.run.entriesFailed = true;
@@ -143,11 +130,7 @@ bool removeFromPhone(Table<Calendar>& table) {
     if (table[cal::EntryType] == CONST_ENTRY_vCAL_MOBILE) {
         table.Delete();
     } else {
-        restoreAlarms(table);
-        table.set(cal::EntryType, CONST_ENTRY_vCAL_PIM);
-        table.set(cal::EntryID, table[cal::UID]);
-        table.set(cal::SubType, -1); // its number is free again, for itself too
-        table.set(cal::Mobile, false);
+        leavePhone(table);
     }
     return true;
 }

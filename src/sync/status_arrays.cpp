@@ -2,7 +2,6 @@
 
 #include "core/state.h"
 #include "core/trap.h"
-#include "store/tables.h"
 
 namespace tandolin {
 
@@ -31,6 +30,19 @@ void clearPhoneRows(Table<Calendar>& table, bool clearPIMToo) {
     table.MoveFirst();
 }
 
+/// A series that was moved into the period has lost its alarm's time of day; it may be sent again.
+void restoreAlarms(Table<Calendar>& row) {
+    if (!row[cal::IsRecurring]) {
+        return;
+    }
+    if (row[cal::AAlarmFlag]) {
+        row.set(cal::AAlarm, row[cal::Start]);
+    }
+    if (row[cal::DAlarmFlag]) {
+        row.set(cal::DAlarm, row[cal::Start]);
+    }
+}
+
 } // namespace
 
 void vCalClearAfterMobileError(bool clearPIMToo) {
@@ -49,10 +61,35 @@ void vCalClearAfterMobileError(bool clearPIMToo) {
     });
 }
 
-void vCalClearMobileStatusArray() {
-    for (const TextView band : {u"TDLOrganizerMenu", u"TDLTools"}) {
-        app.ports.screen.window->toolEnabled(band, u"TDLAutoSync", false);
+void vCalReset(Table<Calendar>& table) {
+    trapped({kModule, u"vCalReset"}, [&table] {
+        InitCalendarRS(table);
+        app.phone.phoneRowsCleared = true;
+        app.ports.screen.window->refresh(Grid::GridEXCal);
+        app.ports.screen.window->columnCaptions(Grid::GridEXCal);
+        vCalClearMobileStatusArray();
+        vCalClearPIMStatusArray();
+        app.phone.vCalRead = kFalse;
+    });
+}
+
+void leavePhone(Table<Calendar>& row) {
+    restoreAlarms(row);
+    row.set(cal::EntryType, CONST_ENTRY_vCAL_PIM);
+    row.set(cal::EntryID, Text(row[cal::UID]));
+    row.set(cal::SubType, -1);
+    row.set(cal::Mobile, false);
+}
+
+void enableAutoSync(bool enabled) {
+    if (MainWindow* window = app.ports.screen.window) {
+        window->toolEnabled(u"TDLOrganizerMenu", u"TDLAutoSync", enabled);
+        window->toolEnabled(u"TDLTools", u"TDLAutoSync", enabled);
     }
+}
+
+void vCalClearMobileStatusArray() {
+    enableAutoSync(false);
 }
 
 void vCalClearPIMStatusArray() {

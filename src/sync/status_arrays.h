@@ -1,11 +1,23 @@
 #pragma once
 
+#include "store/tables.h"
+
 namespace tandolin {
 
 /// Removes what the phone contributed to `RSCalendar`, after a failed read or write: rows of the
 /// phone alone go (with `clearPIMToo` those of both sides as well), rows of both sides become rows
 /// of the organizer. The objects on the phone are not touched.
 void vCalClearAfterMobileError(bool clearPIMToo);
+
+/// Empties the grid's table and sets the grid up anew; neither side counts as read afterwards.
+void vCalReset(Table<Calendar>& table);
+
+/// The current row, one of both sides, loses its object on the phone and becomes one of the
+/// organizer: its number is free again, for itself too.
+void leavePhone(Table<Calendar>& row);
+
+/// Switches the tool `TDLAutoSync` in both bands.
+void enableAutoSync(bool enabled);
 
 /// Switches the tool `TDLAutoSync` off in both bands; it holds no data, the tools are the status.
 void vCalClearMobileStatusArray();
