@@ -11,7 +11,7 @@ import re
 import sys
 from pathlib import Path
 
-LAYERS = ["core", "store", "formats", "log", "sync_matching", "organizer", "phone", "sync_runs", "apps"]
+LAYERS = ["core", "store", "formats", "log", "sync_matching", "organizer", "phone", "sync_runs", "ui", "apps"]
 INCLUDE = re.compile(r'^\s*#include\s+"([^"]+)"', re.MULTILINE)
 # The standard library has no such headers: outside libraries are for adapters and the program.
 FOREIGN = re.compile(r"^\s*#include\s+<(\w+/|[^>]+\.h>|libical|sys|unistd)", re.MULTILINE)
