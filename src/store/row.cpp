@@ -48,7 +48,7 @@ Row::Row(const RowShape& shape)
     std::uninitialized_default_construct_n(texts(), shape.textCount());
 }
 
-Row::Row(const Row& other) : shape_(other.shape_) {
+Row::Row(const Row& other) : shape_(other.shape_), before_(other.before_) {
     if (!other.exists()) {
         return;
     }
@@ -60,12 +60,24 @@ Row::Row(const Row& other) : shape_(other.shape_) {
 Row& Row::operator=(Row other) noexcept {
     std::swap(shape_, other.shape_);
     std::swap(cells_, other.cells_);
+    std::swap(before_, other.before_);
     return *this;
 }
 
 Row::~Row() {
     if (exists()) {
         std::destroy_n(texts(), shape_->textCount());
+    }
+}
+
+bool Row::sameCell(std::size_t field, const Row& other) const {
+    switch (shape_->typeOf(field)) {
+    case CellType::text:
+        return text(field) == other.text(field);
+    case CellType::date:
+        return Date{real(field)} == Date{other.real(field)};
+    default:
+        return number(field) == other.number(field);
     }
 }
 

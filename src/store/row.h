@@ -72,6 +72,14 @@ public:
     /// The cell as the other row holds it, null included. Both rows have one layout.
     void copyCell(std::size_t field, const Row& other);
 
+    /// Do both rows show the same in this field? A null cell shows 0 or nothing.
+    [[nodiscard]] bool sameCell(std::size_t field, const Row& other) const;
+
+    /// The values before the recorded edit, null without one. Copies of a row share them.
+    [[nodiscard]] const std::shared_ptr<const Row>& before() const { return before_; }
+
+    void setBefore(std::shared_ptr<const Row> before) { before_ = std::move(before); }
+
 private:
     /// Head of the memory: which fields are set, which booleans are true.
     struct Bits {
@@ -101,6 +109,7 @@ private:
 
     const RowShape* shape_;
     std::unique_ptr<std::byte[]> cells_;
+    std::shared_ptr<const Row> before_;
 };
 
 } // namespace tandolin

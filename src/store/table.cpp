@@ -213,7 +213,18 @@ void TableCore::assignRow(const Row& source) {
     for (std::size_t i = 0; i < shape_.fields().size(); ++i) {
         target.copyCell(i, source);
     }
+    target.setBefore(source.before());
     enterAll(cursor_, true);
+}
+
+void TableCore::beginEdit() {
+    if (!isEdited()) {
+        current().setBefore(std::make_shared<const Row>(row()));
+    }
+}
+
+void TableCore::endEdit() {
+    current().setBefore(nullptr);
 }
 
 // What the indexes and counts hold about one cell goes out before a change and in after it.

@@ -98,14 +98,30 @@ public:
     /// The current row's values. Throws Failure 91 at the end or on a deleted row.
     [[nodiscard]] const Row& row() const;
 
-    /// Takes all values of `source` by position. The layouts are the same.
+    /// Takes all values of `source` by position, and what is known of its edit. The layouts are the
+    /// same.
     void assignRow(const Row& source);
+
+    // A recorded edit: the row, and every copy made of it from then on, knows its values from
+    // before the user's changes, until what was changed is written. Only the organizer's items need
+    // it: they hold more than a row tells, so nothing but what the user changed may be written.
+
+    /// Keeps the current row's values; call it before the user's first change. An edit that is
+    /// recorded already goes on.
+    void beginEdit();
+    /// Forgets them, once the changes are written or given up.
+    void endEdit();
+
+    [[nodiscard]] bool isEdited() const { return row().before() != nullptr; }
 
 protected:
     void setNull(std::size_t field);
     void setNumber(std::size_t field, std::int64_t value);
     void setReal(std::size_t field, double value);
     void setText(std::size_t field, TextView value);
+
+    /// The current row before its recorded edit, the row itself without one.
+    [[nodiscard]] const Row& rowBefore() const { return isEdited() ? *row().before() : row(); }
 
 private:
     struct TrueCount {
@@ -197,6 +213,23 @@ public:
     template <class T>
     void setNull(Field<L, T> f) {
         TableCore::setNull(f.index());
+    }
+
+    /// Did the recorded edit give the field another value? Without an edit nothing is changed.
+    template <class T>
+    [[nodiscard]] bool changed(Field<L, T> f) const {
+        return !row().sameCell(f.index(), rowBefore());
+    }
+
+    /// The value before the recorded edit; without one as it is now.
+    [[nodiscard]] bool before(Field<L, bool> f) const { return rowBefore().number(f.index()) != 0; }
+
+    [[nodiscard]] Date before(Field<L, Date> f) const { return {rowBefore().real(f.index())}; }
+
+    [[nodiscard]] TextView before(Field<L, Text> f) const { return rowBefore().text(f.index()); }
+
+    [[nodiscard]] std::int64_t before(Field<L, std::int64_t> f) const {
+        return rowBefore().number(f.index());
     }
 
     bool Find(Field<L, Text> f, TextView value, Compare compare = Compare::exact) {
