@@ -259,10 +259,10 @@ TEST_CASE("what another program does meanwhile is kept") {
     folder.put("calendar/a.ics", single("a", "20270302T090000Z"));
     auto organizer = folder.open();
     CalendarFolder& calendar = organizer.GetDefaultCalendarFolder();
-    const auto item = calendar.GetItemFromID(u"a");
-    item->setSubject(u"Neu");
     folder.put("calendar/a.ics",
                calendarOf(eventOf("DTSTART:20270309T090000Z\nSUMMARY:Text\nLOCATION:Ulm\n", "a")));
+    const auto item = calendar.GetItemFromID(u"a");
+    item->setSubject(u"Neu");
     item->Save();
     const std::string after = folder.bytesOf("calendar/a.ics");
     CHECK(after.find("SUMMARY:Neu\r\nLOCATION:Ulm\r\n") != std::string::npos);

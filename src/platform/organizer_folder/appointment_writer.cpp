@@ -2,6 +2,7 @@
 
 #include "core/failure.h"
 #include "platform/organizer_folder/appointment_reader.h"
+#include "platform/organizer_folder/moved_rule.h"
 
 #include <algorithm>
 #include <array>
@@ -153,6 +154,7 @@ private:
         if (wanted.start != old.start) {
             setTime(lines_.find(master(), "DTSTART"), wanted.start);
             shiftExceptions();
+            moveRules();
         }
         setEnd(old, wanted);
     }
@@ -195,6 +197,22 @@ private:
         for (std::size_t k = 1; k < all.size(); ++k) {
             const std::size_t line = lines_.find(all[k], "RECURRENCE-ID");
             replaceValue(line, shiftedList(propertyValue(lines_.textAt(line)), shift, days));
+        }
+    }
+
+    /// A rule that names the day the series began on goes on naming it.
+    void moveRules() {
+        const Seconds now = startOf(lines_, master(), context_.zones).wall;
+        const Seconds days = floorDiv(now, kDay) - floorDiv(oldStart_.wall, kDay);
+        for (const std::string_view name : {"RRULE", "EXRULE"}) {
+            const int event = master();
+            for (std::size_t i = lines_.find(event, name); i != kNoLine;
+                 i = lines_.find(event, name, i + 1)) {
+                replaceValue(i, movedRule(propertyValue(lines_.textAt(i)), oldStart_.wall, now,
+                                          [&](std::string_view until) {
+                                              return shifted(until, now - oldStart_.wall, days);
+                                          }));
+            }
         }
     }
 

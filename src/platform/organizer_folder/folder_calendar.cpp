@@ -233,7 +233,7 @@ std::unique_ptr<AppointmentItem> FolderCalendar::GetItemFromID(TextView entryID)
         files_[file].stamp = stamp;
         index(file, buffer_);
     }
-    return std::make_unique<FolderItem>(*this, id, storedFacts(id));
+    return std::make_unique<FolderItem>(*this, id, storedFacts(id), stamp);
 }
 
 std::uint32_t FolderCalendar::fileOf(const std::string& id) {
@@ -280,7 +280,7 @@ ical::EditContext FolderCalendar::editContext(std::string_view fileName) {
     return {zones_, fileName, zones_.local().utcOf(ical::wallOf(clock_.now()))};
 }
 
-void FolderCalendar::saveNew(const std::string& id, const ical::Changes& changes) {
+FileStamp FolderCalendar::saveNew(const std::string& id, const ical::Changes& changes) {
     if (!complete_) {
         ensureRead(false);
     }
@@ -294,28 +294,29 @@ void FolderCalendar::saveNew(const std::string& id, const ical::Changes& changes
         }
     }
     const std::string bytes = ical::newItemFile(id, changes, context, *zoneLines_);
-    store(fileNamed(name), bytes, newFileMode_);
+    const std::uint32_t file = fileNamed(name);
+    store(file, bytes, newFileMode_);
+    return files_[file].stamp;
 }
 
-void FolderCalendar::saveChanges(const std::string& id, const ical::Changes& changes) {
-    for (int tries = 0; tries < kMostTries; ++tries) {
-        if (tryChange(id, changes)) {
-            return;
-        }
-    }
-    throw Failure(failure_number::kOrganizer, u"Another program keeps changing the item.");
-}
-
-bool FolderCalendar::tryChange(const std::string& id, const ical::Changes& changes) {
+FileStamp FolderCalendar::saveChanges(const std::string& id, const ical::Changes& changes,
+                                      FileStamp read) {
     const std::uint32_t file = fileOf(id);
     FileStamp stamp;
     if (!fetch(file, stamp)) {
         dropFile(file);
         throw noItem();
     }
+    Failure changedMeanwhile(failure_number::kOrganizer,
+                             u"Another program has changed the item in the meantime. It was left "
+                             u"as it is.");
+    changedMeanwhile.File = directory_.label(files_[file].name);
+    if (stamp != read) {
+        throw Failure(changedMeanwhile);
+    }
     try {
         if (!ical::applyChanges(lines_, id, changes, editContext(files_[file].name))) {
-            return true;
+            return stamp;
         }
     } catch (const ical::Unreadable& problem) {
         Failure failure(failure_number::kOrganizer, fromUtf8(problem.reason));
@@ -323,12 +324,11 @@ bool FolderCalendar::tryChange(const std::string& id, const ical::Changes& chang
         throw failure;
     }
     const std::string bytes = lines_.bytes();
-    // What another program wrote since the bytes were read must not be lost.
     if (!stillIs(file, stamp)) {
-        return false;
+        throw Failure(changedMeanwhile);
     }
     store(file, bytes, 0);
-    return true;
+    return files_[file].stamp;
 }
 
 void FolderCalendar::removeItem(const std::string& id) {

@@ -47,8 +47,11 @@ public:
     // What an opened item asks for.
     /// The facts of the stored item, as last read. Throws Failure 91 when there is none.
     [[nodiscard]] AppointmentFacts storedFacts(const std::string& id) const;
-    void saveNew(const std::string& id, const ical::Changes& changes);
-    void saveChanges(const std::string& id, const ical::Changes& changes);
+    /// Both give the stamp of the file as it is then.
+    FileStamp saveNew(const std::string& id, const ical::Changes& changes);
+    /// `read` is the file's stamp when the item was read. Throws a Failure, and writes nothing,
+    /// when it is another one by now.
+    FileStamp saveChanges(const std::string& id, const ical::Changes& changes, FileStamp read);
     void removeItem(const std::string& id);
 
     [[nodiscard]] Date now() const { return clock_.now(); }
@@ -73,7 +76,6 @@ private:
     /// Brings the file of an item into `buffer_` and `lines_`. False when it is gone.
     bool fetch(std::uint32_t file, FileStamp& stamp);
     [[nodiscard]] bool stillIs(std::uint32_t file, const FileStamp& stamp) const;
-    bool tryChange(const std::string& id, const ical::Changes& changes);
     bool tryRemove(const std::string& id);
     void store(std::uint32_t file, const std::string& bytes, unsigned mode);
     void removeFile(std::uint32_t file);

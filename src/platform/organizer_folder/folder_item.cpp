@@ -11,8 +11,10 @@ FolderItem::FolderItem(FolderCalendar& calendar, std::string id)
     stored_.Start = stored_.End = stored_.CreationTime;
 }
 
-FolderItem::FolderItem(FolderCalendar& calendar, std::string id, AppointmentFacts stored)
-    : calendar_(calendar), id_(std::move(id)), stored_(std::move(stored)), isNew_(false) {}
+FolderItem::FolderItem(FolderCalendar& calendar, std::string id, AppointmentFacts stored,
+                       FileStamp read)
+    : calendar_(calendar), id_(std::move(id)), stored_(std::move(stored)), read_(read),
+      isNew_(false) {}
 
 AppointmentFacts FolderItem::facts() const {
     AppointmentFacts facts = stored_;
@@ -39,11 +41,7 @@ void FolderItem::ClearRecurrencePattern() {
 }
 
 void FolderItem::Save() {
-    if (isNew_) {
-        calendar_.saveNew(id_, changes_);
-    } else {
-        calendar_.saveChanges(id_, changes_);
-    }
+    read_ = isNew_ ? calendar_.saveNew(id_, changes_) : calendar_.saveChanges(id_, changes_, read_);
     isNew_ = false;
     changes_ = {};
     stored_ = calendar_.storedFacts(id_);

@@ -2,6 +2,7 @@
 
 #include "core/ports/organizer.h"
 #include "platform/organizer_folder/appointment_writer.h"
+#include "platform/organizer_folder/calendar_directory.h"
 
 #include <string>
 
@@ -10,7 +11,8 @@ namespace tandolin::platform {
 class FolderCalendar;
 
 /// One appointment of the folder. It holds no bytes: `Save` reads the file again and applies what
-/// was set, so that a change by another program in between is kept.
+/// was set. What was set was decided on the facts that the item showed, so a file that another
+/// program changed in between is left alone: `Save` is refused with a failure.
 ///
 /// A start that is set without an end takes the end along. A date set by the pattern moves the
 /// start only when it differs from the series' own and no start was set.
@@ -19,7 +21,7 @@ public:
     /// A new item.
     FolderItem(FolderCalendar& calendar, std::string id);
     /// A stored item.
-    FolderItem(FolderCalendar& calendar, std::string id, AppointmentFacts stored);
+    FolderItem(FolderCalendar& calendar, std::string id, AppointmentFacts stored, FileStamp read);
 
     [[nodiscard]] AppointmentFacts facts() const override;
 
@@ -42,6 +44,7 @@ private:
     FolderCalendar& calendar_;
     std::string id_;
     AppointmentFacts stored_;
+    FileStamp read_; ///< the file as these facts were read from it
     ical::Changes changes_;
     bool isNew_;
 };
