@@ -15,7 +15,9 @@ void Status_Anzeige::Start(TextView title, bool noShow) {
         return;
     }
     goOn_ = true;
-    app.run.cancelled = app.run.cancelled && app.core.GlobalSilentMode;
+    if (!app.core.GlobalSilentMode) {
+        app.run.cancelled = false; // a cancel ends one action of a dialog run, not all that follow
+    }
     app.ports.screen.status->open(title);
     app.ports.screen.status->text({});
 }
