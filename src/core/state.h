@@ -93,6 +93,8 @@ struct PhoneState {
     /// The numbers of the objects on the phone, from one listing, where the table does not show
     /// them.
     std::optional<std::set<int>> numbersOnPhone;
+    /// Numbers that were given without such a listing: asked for again before their first write.
+    std::set<int> numbersGivenUnseen;
     /// Phone rows were taken out of `RSCalendar` since the read.
     bool phoneRowsCleared = false;
     /// `--accept-empty-phone`: a listing without entries can be a successful read.
@@ -123,6 +125,9 @@ struct SyncState {
     Flag SyncRemoved;
     Flag SyncKeepRow;
     Flag GlobalTransferActive;
+    /// What `MustbeStand` said of the series edited last; goes along with the organizer write and
+    /// has no effect of its own.
+    Flag seriesMustStand;
     /// The frame of the current organizer read.
     Date DateFrameFrom;
     Date DateFrameTo;
