@@ -5,6 +5,9 @@
 #include "core/trap.h"
 #include "log/log_model.h"
 #include "organizer/calendar_reading.h"
+#include "organizer/item_changes.h"
+#include "organizer/row_pattern.h"
+#include "sync/calendar_queue.h"
 
 #include <algorithm>
 
@@ -13,22 +16,12 @@ namespace tandolin {
 namespace {
 
 constexpr Place kHere{u"QELOutlook", u"WriteOutlookEntry"};
-constexpr int kAllDays = 127;
-
-int dayBit(Date date) {
-    return 1 << (weekday(date) - 1);
-}
-
-Date startTimeOf(const Table<Calendar>& row) {
-    return parseTime(row[cal::StartTime]).value_or(timeOfDay(row[cal::Start]));
-}
 
 /// A new series starts at its anchor: series pair by it, and written at the date that is shown the
 /// pair would be lost and every run would add one more.
 Date firstStart(Table<Calendar>& row) {
     if (row[cal::PIMRecPatt] == Date{0}) {
-        row.set(cal::PIMRecPatt, row[cal::StartDate]);
-        row.set(cal::PimRecPattString, dateAsText(row[cal::StartDate]));
+        setAnchor(row, row[cal::StartDate]);
     }
     return atTime(row[cal::PIMRecPatt], startTimeOf(row));
 }
@@ -40,38 +33,6 @@ void setDuration(AppointmentItem& item, const Table<Calendar>& row, Date start) 
     const std::int64_t minutes =
         row[cal::StartEndDiff] * 24 * 60 + minutesBetween(startTimeOf(row), row[cal::EndTime]);
     item.setEnd(dateFromSeconds(start.seconds() + std::max<std::int64_t>(minutes, 0) * 60));
-}
-
-std::int64_t weekDays(Table<Calendar>& row) {
-    const bool moved =
-        row[cal::oldStartDate] != Date{0} && row[cal::oldStartDate] != row[cal::StartDate];
-    if (moved || (row[cal::WeekDayMask] & kAllDays) == 0) {
-        row.set(cal::WeekDayMask, std::int64_t{dayBit(row[cal::StartDate])});
-    }
-    return row[cal::WeekDayMask] & kAllDays;
-}
-
-RecurrencePattern patternOf(Table<Calendar>& row, Date start) {
-    RecurrencePattern pattern;
-    pattern.PatternStartDate = wholeDay(start);
-    const TextView kind = row[cal::RecurrenceType];
-    if (kind == u"W") {
-        pattern.RecurrenceType = OlRecurrence::weekly;
-        pattern.DayOfWeekMask = static_cast<int>(weekDays(row));
-    } else if (kind == u"M") {
-        pattern.RecurrenceType = OlRecurrence::monthly;
-        const std::int64_t day = row[cal::DayOfMonth];
-        // A rule without a day, or with one that no month has, repeats on the day it began.
-        pattern.DayOfMonth = day >= 1 && day <= 31 ? static_cast<int>(day) : civilOf(start).day;
-    } else if (kind == u"Y") {
-        pattern.RecurrenceType = OlRecurrence::yearly;
-        row.set(cal::Serie, u"Y");
-    } else {
-        pattern.RecurrenceType = OlRecurrence::daily;
-        pattern.Interval =
-            static_cast<int>(std::clamp<std::int64_t>(row[cal::RecurrenceIntervall], 1, 999));
-    }
-    return pattern;
 }
 
 void fillItem(AppointmentItem& item, Table<Calendar>& row) {
@@ -93,6 +54,11 @@ void fillItem(AppointmentItem& item, Table<Calendar>& row) {
     item.setSubject(row[cal::PIMText]);
 }
 
+void countNewItem() {
+    ++app.organizer.vCalPIMCount;
+    app.organizer.vCalPIMRead = kTrue;
+}
+
 void createItem(Table<Calendar>& row) {
     const auto item = calendarFolderInUse().CreateItem();
     fillItem(*item, row);
@@ -104,27 +70,55 @@ void createItem(Table<Calendar>& row) {
     }
     row.set(cal::CreationDate, stored.CreationTime);
     if (!app.sync.GlobalTransferActive) {
-        ++app.organizer.vCalPIMCount;
-        app.organizer.vCalPIMRead = kTrue;
+        countNewItem();
     }
+}
+
+/// The item is opened even where nothing is to be saved: one that is gone is no success.
+void changeItem(Table<Calendar>& row) {
+    const auto item = calendarFolderInUse().GetItemFromID(row[cal::UID]);
+    const Row asItWas(row.row());
+    try {
+        if (setChangedMembers(*item, row)) {
+            item->Save();
+            row.set(cal::CreationDate, item->facts().CreationTime);
+        }
+    } catch (...) {
+        row.assignRow(asItWas); // what moved along would count as the user's change next time
+        throw;
+    }
+}
+
+bool writeNow(Table<Calendar>& table, bool isNew) {
+    if (!table[cal::PIM] || !app.organizer.OrganizerPresent) {
+        return false;
+    }
+    const auto failure = attempt([&] { isNew ? createItem(table) : changeItem(table); });
+    if (failure && failure->Number == failure_number::kDiskFull) {
+        app.run.diskFull = true;
+    }
+    if (!failure) {
+        table.endEdit();
+    }
+    // Wanted: a write to the organizer is logged as created, whatever it was.
+    app.log.LogAction = tr(ids::kCreated);
+    app.log.LogTransfer = tr(ids::kPIM);
+    LogTransferEntry(table, failure.value_or(Failure{}), kHere);
+    return !failure;
 }
 
 } // namespace
 
-bool WriteOutlookEntry(Table<Calendar>& table) {
-    return trapped(kHere, false, [&table](bool& result) {
-        if (!table[cal::PIM] || !app.organizer.OrganizerPresent) {
+bool WriteOutlookEntry(Table<Calendar>& table, bool isNew) {
+    return trapped(kHere, false, [&](bool& result) {
+        if (!changesAreQueued()) {
+            result = writeNow(table, isNew);
             return;
         }
-        const auto failure = attempt([&table] { createItem(table); });
-        if (failure && failure->Number == failure_number::kDiskFull) {
-            app.run.diskFull = true;
+        if (queueOrganizerWrite(table, isNew)) {
+            countNewItem();
         }
-        // Wanted: a write to the organizer is logged as created, whatever it was.
-        app.log.LogAction = tr(ids::kCreated);
-        app.log.LogTransfer = tr(ids::kPIM);
-        LogTransferEntry(table, failure.value_or(Failure{}), kHere);
-        result = !failure;
+        result = true;
     });
 }
 

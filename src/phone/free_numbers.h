@@ -10,6 +10,10 @@ namespace tandolin {
 /// none is left or the listing failed.
 std::int32_t freeCalendarNumber();
 
+/// A number that was given while the phone could not be asked may belong to an object there. Asked
+/// before the first write under it: true when it does, or when it cannot be told.
+bool numberWasTaken(std::int32_t number);
+
 /// The phone's objects are listed anew at the next need: after a full read, or at the end of a run.
 void forgetNumbersOnPhone();
 

@@ -6,6 +6,7 @@
 #include "log/log_model.h"
 #include "phone/object_store.h"
 #include "store/row_operations.h"
+#include "sync/calendar_queue.h"
 #include "sync/calendar_rules.h"
 
 namespace tandolin {
@@ -16,10 +17,8 @@ constexpr TextView kModule = u"Mobile";
 
 /// The object's number. -1 counts as none wherever a number is prepared: no object "-1.vcs" may
 /// ever be written.
-std::int16_t objectNumber(Table<Calendar>& row) {
-    const std::int32_t subType = row[cal::SubType];
-    const std::int16_t number =
-        subType == -1 ? int16Of(leadingNumber(row[cal::EntryID])) : int16Of(subType);
+std::int16_t objectNumber(const Table<Calendar>& row) {
+    const std::int16_t number = int16Of(objectNumberOf(row));
     if (number < 1) {
         throw Failure(failure_number::kInternal, u"The entry has no number on the phone");
     }
@@ -40,11 +39,35 @@ void standOnRowBeingSent(Table<Calendar>& row) {
     }
 }
 
+/// The phone holds, or will hold, one object less.
+void countRemoval() {
+    --app.phone.vCalEntryCount;
+    app.phone.vCalRead = flagOf(app.phone.vCalEntryCount >= 0);
+}
+
+void queueWrite(Table<Calendar>& row) {
+    row.set(cal::EntryPath, app.phone.GlobalMobilePaths.calendarDirectory);
+    row.set(cal::EntryFile, decimal(row[cal::SubType]) + u".vcs");
+    queuePhoneWrite(row);
+}
+
+void removeObject(const MobilePaths& paths, const Table<Calendar>& row) {
+    // A row that never had an object has none to remove.
+    if (app.core.GlobalUsePXD && row[cal::SubType] > 0) {
+        phoneServer()->PXDDelete(paths.calendarDirectory + decimal(row[cal::SubType]) + u".vcs");
+    }
+}
+
 } // namespace
 
 bool SendSingleEntry(Table<Calendar>& row) {
     static constexpr Place here{kModule, u"SendSingleEntry"};
     return trapped(here, false, [&row](bool& result) {
+        if (changesAreQueued()) {
+            queueWrite(row);
+            result = true;
+            return;
+        }
         const std::int16_t number = objectNumber(row);
         vcalTextCheck(row);
         const Text object = calendarObject(row);
@@ -71,17 +94,20 @@ bool SendSingleEntry(Table<Calendar>& row) {
     });
 }
 
-bool RemoveEntryFromMobile(Table<Calendar>& row) {
+bool RemoveEntryFromMobile(Flag /*connected*/, const MobilePaths& paths, Table<Calendar>& row) {
     static constexpr Place here{kModule, u"RemoveEntryFromMobile"};
-    return trapped(here, false, [&row](bool& result) {
-        app.ports.screen.window->busy(true);
-        if (app.core.GlobalUsePXD) {
-            phoneServer()->PXDDelete(app.phone.GlobalMobilePaths.calendarDirectory +
-                                     decimal(row[cal::SubType]) + u".vcs");
+    return trapped(here, false, [&](bool& result) {
+        if (changesAreQueued()) {
+            if (queuePhoneRemoval(row)) {
+                countRemoval();
+            }
+            result = true;
+            return;
         }
+        app.ports.screen.window->busy(true);
+        removeObject(paths, row);
         if (!app.sync.GlobalTransferActive) {
-            --app.phone.vCalEntryCount;
-            app.phone.vCalRead = flagOf(app.phone.vCalEntryCount >= 0);
+            countRemoval();
         }
         app.ports.screen.window->busy(false);
         logTransfer(row, ids::kDeleted, here);

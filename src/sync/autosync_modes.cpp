@@ -93,7 +93,7 @@ bool createIfMissing(SyncWork& work, Table<Calendar>& table, bool readSeriesBack
     }
     table.set(cal::EntryType, CONST_ENTRY_vCAL_BOTH);
     table.set(cal::PIM, true);
-    if (!WriteOutlookEntry(table)) {
+    if (!WriteOutlookEntry(table, true)) {
         return rereadOrganizer(table);
     }
     if (table[cal::IsRecurring] && readSeriesBack) {
@@ -122,7 +122,7 @@ bool guardAllows(Table<Calendar>& table, std::int32_t count) {
 }
 
 bool removeFromPhone(Table<Calendar>& table) {
-    if (!RemoveEntryFromMobile(table)) {
+    if (!RemoveEntryFromMobile(app.phone.MobileConnected, app.phone.GlobalMobilePaths, table)) {
         app.run.entriesFailed = true;
         vCalClearAfterMobileError(false);
         return false;

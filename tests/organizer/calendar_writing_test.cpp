@@ -26,7 +26,7 @@ TEST_CASE("A new item has what the row has") {
     Table<Calendar>& row = rowToWrite(at(2026, 11, 24, 9), u"Zahnarzt, cut");
     row.set(cal::PIMText, u"Zahnarzt, whole");
     SUBCASE("plain") {
-        CHECK(WriteOutlookEntry(row));
+        CHECK(WriteOutlookEntry(row, true));
         CHECK(written(world).Subject == u"Zahnarzt, whole");
         CHECK(written(world).Start == at(2026, 11, 24, 9));
         CHECK(written(world).End == at(2026, 11, 24, 10, 30));
@@ -37,13 +37,13 @@ TEST_CASE("A new item has what the row has") {
     SUBCASE("a meeting with a reminder") {
         row.set(cal::Typ, u"1");
         row.set(cal::Alarm, true);
-        CHECK(WriteOutlookEntry(row));
+        CHECK(WriteOutlookEntry(row, true));
         CHECK(written(world).MeetingStatus == 1);
         CHECK(written(world).ReminderSet);
     }
     SUBCASE("an end before the start becomes the start") {
         row.set(cal::EndDate, at(2026, 11, 23));
-        CHECK(WriteOutlookEntry(row));
+        CHECK(WriteOutlookEntry(row, true));
         CHECK(written(world).End == written(world).Start);
     }
     CHECK(row[cal::UID] == u"new-1");
@@ -91,7 +91,7 @@ TEST_CASE("A new series starts at its anchor, not at the date that is shown") {
         row.set(cal::RecurrenceIntervall, c.interval);
         row.set(cal::WeekDayMask, c.mask);
         row.set(cal::DayOfMonth, c.dayOfMonth);
-        CHECK(WriteOutlookEntry(row));
+        CHECK(WriteOutlookEntry(row, true));
         const AppointmentFacts& item = written(world);
         const Date start = atTime(c.pattern.PatternStartDate, at(2026, 1, 1, 9));
         CHECK(item.IsRecurring);
@@ -107,16 +107,16 @@ TEST_CASE("Only rows with an organizer's side are written, and a failure is in t
     Table<Calendar>& row = rowToWrite(at(2026, 11, 24, 9), u"A");
     SUBCASE("no such side") {
         row.set(cal::PIM, false);
-        CHECK_FALSE(WriteOutlookEntry(row));
+        CHECK_FALSE(WriteOutlookEntry(row, true));
         CHECK(logTables.calendar.isEmpty());
     }
     SUBCASE("no organizer") {
         app.organizer.OrganizerPresent = kFalse;
-        CHECK_FALSE(WriteOutlookEntry(row));
+        CHECK_FALSE(WriteOutlookEntry(row, true));
     }
     SUBCASE("the disk is full") {
         world.organizer.fault = {3, {failure_number::kDiskFull, u"full"}, false}; // its Save
-        CHECK_FALSE(WriteOutlookEntry(row));
+        CHECK_FALSE(WriteOutlookEntry(row, true));
         CHECK(logTables.calendar[callog::Error] == u"Ja");
         CHECK(logTables.calendar[callog::ErrorDesc] == u"full61");
         CHECK(app.run.diskFull);

@@ -1,0 +1,61 @@
+#pragma once
+
+#include "store/tables.h"
+
+namespace tandolin {
+
+// The queue of calendar changes that are sent later, `RSCalendarSave`. A queued row is a copy of
+// its entry with what is to be done: `TransferMode` and the side in `TransferNew`. The copies are
+// made so that the transfer's table of actions leads each to that side.
+//
+//   the user moves a meeting of both sides: two rows, a write to the phone and one to the organizer
+
+/// Values of `TransferMode`; a row that is done waits for the end of the transfer.
+inline constexpr std::int32_t kTransferDone = 0;
+inline constexpr std::int32_t kTransferWrite = 1;
+inline constexpr std::int32_t kTransferRemove = 2;
+
+/// Values of `TransferNew`.
+inline constexpr std::int32_t kToOrganizer = 1;
+inline constexpr std::int32_t kToPhone = 2;
+
+/// Do changes wait for a transfer? Not while one runs, and never in an AutoSync.
+bool changesAreQueued();
+
+/// Does the text name an entry? Empty, "0" and "-1" stand for none, and many rows hold them.
+bool isEntryKey(TextView key);
+
+/// The number of the row's object on the phone: `SubType`, else an `EntryID` that is a number; 0
+/// without one.
+std::int32_t objectNumberOf(const Table<Calendar>& row);
+
+/// Queues the row as a write to the phone. A write of the same object that waits already is
+/// replaced. `TDLSave` is shown.
+void queuePhoneWrite(Table<Calendar>& row);
+
+/// Queues the row as a write to the organizer, `isNew` for one that has no item yet; such a row
+/// gets a made-up key where it has none. A write of the same item that waits already is replaced;
+/// one that is to create the item still does. True when the organizer will hold one item more.
+bool queueOrganizerWrite(Table<Calendar>& row, bool isNew);
+
+/// Queues the removal of the row's object from the phone in place of all writes that wait for it.
+/// False when it waited already.
+bool queuePhoneRemoval(Table<Calendar>& row);
+
+/// The same for the organizer's item. An item that is still to be created leaves the queue and
+/// nothing remains to be removed.
+bool queueOrganizerRemoval(Table<Calendar>& row);
+
+/// Drops what the queue holds for the same side as its current row and for the key, but for
+/// removals. The key is an `EntryID`, or a `UID` where `useUID` says so; the two flags have no
+/// effect. The position stays.
+void vcalSaveKontrolle(Table<Calendar>& table, TextView key, bool pimFlag, bool mobileFlag,
+                       bool useUID);
+
+/// Shows the tool `TDLSave` while one of the queues has rows, else hides it.
+void showSaveTool();
+
+/// The row's last write has succeeded: it is no changed row any more, and its edit is forgotten.
+void endLastWrite(Table<Calendar>& row);
+
+} // namespace tandolin
