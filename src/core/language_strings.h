@@ -99,6 +99,8 @@ inline constexpr StringId kNoPhone{891};
 inline constexpr StringId kNotConnected{892};
 inline constexpr StringId kMakingRows{893};
 inline constexpr StringId kAutodelete{894};
+inline constexpr StringId kTransferChange{896};
+inline constexpr StringId kTransferCalendar{897};
 inline constexpr StringId kNoDefaultCalendar{925};
 inline constexpr StringId kCalendarFolderFailed{926};
 inline constexpr StringId kNoTables{936};

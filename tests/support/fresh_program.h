@@ -19,8 +19,11 @@ struct ScriptedScreen : MessageBoxes, StatusView, MainWindow {
     std::vector<Text> boxesShown;
     std::deque<Answer> answers; ///< taken in order; without one the answer is the harmless one
     std::vector<Text> statusTexts;
-    std::map<Text, bool> tools; ///< "band/tool" to enabled
+    std::map<Text, bool> tools;      ///< "band/tool" to enabled
+    std::map<Text, bool> shownTools; ///< "band/tool" to visible
+    std::vector<Form> modalForms;
     bool cancelNow = false;
+    int cancelAfterTexts = -1; ///< Cancel is pressed once so many status texts were shown
     bool statusOpen = false;
 
     Answer ask(TextView, TextView text, Icon, Buttons buttons) override {
@@ -40,7 +43,13 @@ struct ScriptedScreen : MessageBoxes, StatusView, MainWindow {
 
     void buttons(bool, bool) override {}
 
-    bool cancelPressed() override { return std::exchange(cancelNow, false); }
+    bool cancelPressed() override {
+        if (cancelAfterTexts >= 0 && std::cmp_greater_equal(statusTexts.size(), cancelAfterTexts)) {
+            cancelAfterTexts = -1;
+            return true;
+        }
+        return std::exchange(cancelNow, false);
+    }
 
     void close() override { statusOpen = false; }
 
@@ -48,7 +57,9 @@ struct ScriptedScreen : MessageBoxes, StatusView, MainWindow {
         tools[Text(band) + u'/' + Text(tool)] = enabled;
     }
 
-    void toolVisible(TextView, TextView, bool) override {}
+    void toolVisible(TextView band, TextView tool, bool visible) override {
+        shownTools[Text(band) + u'/' + Text(tool)] = visible;
+    }
 
     void pane(Pane, TextView) override {}
 
@@ -66,7 +77,7 @@ struct ScriptedScreen : MessageBoxes, StatusView, MainWindow {
 
     void unload(Form) override {}
 
-    void runModal(Form) override {}
+    void runModal(Form form) override { modalForms.push_back(form); }
 
     void TDLInitForm(bool) override {}
 
