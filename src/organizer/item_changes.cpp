@@ -87,6 +87,7 @@ RecurrencePattern changedPattern(const AppointmentFacts& facts, Table<Calendar>&
         break;
     case OlRecurrence::weekly:
         if (dayMoved) {
+            // Wanted: a series that moves to another date goes on on that day of the week alone.
             pattern.DayOfWeekMask = takeDayOfRow(row);
         } else if (row.changed(cal::WeekDayMask)) {
             pattern.DayOfWeekMask = weekDaysOf(row);

@@ -120,6 +120,8 @@ TEST_CASE("An edit changes what the user changed, in the file and nowhere else")
                                   "RRULE:FREQ=YEARLY;BYMONTH=11;BYDAY=4TH;WKST=SU\n";
     const std::string weekly = "DTSTART" + kBerlin + "20260105T180000\nDTEND" + kBerlin +
                                "20260105T193000\nSUMMARY:Alt\nRRULE:FREQ=WEEKLY;INTERVAL=2\n";
+    const std::string twoDays = "DTSTART:20260105T170000Z\nDURATION:PT1H\nSUMMARY:Alt\n"
+                                "RRULE:FREQ=WEEKLY;BYDAY=MO,WE\n";
     const std::string monthly = "DTSTART:20260131T080000Z\nDURATION:PT1H\nSUMMARY:Alt\n"
                                 "RRULE:FREQ=MONTHLY;BYMONTHDAY=31;COUNT=40\n";
     const std::string hourly = "DTSTART:20261122T080000Z\nDTEND:20261122T081000Z\nSUMMARY:Alt\n"
@@ -170,6 +172,11 @@ TEST_CASE("An edit changes what the user changed, in the file and nowhere else")
               later(2, 0),
               {"-DTSTART" + kBerlin + "20260105T180000", "-DTEND" + kBerlin + "20260105T193000",
                "+DTSTART" + kBerlin + "20260107T180000", "+DTEND" + kBerlin + "20260107T193000"}},
+             {"a date, on two days of a week: the new day alone",
+              twoDays,
+              later(1, 0),
+              {"-DTSTART:20260105T170000Z", "-RRULE:FREQ=WEEKLY;BYDAY=MO,WE",
+               "+DTSTART:20260106T170000Z", "+RRULE:FREQ=WEEKLY;BYDAY=TU"}},
              {"a date, monthly",
               monthly,
               later(-2, 0),
