@@ -46,7 +46,8 @@ TEST_CASE("a rule follows the start of its series where it names it") {
               "FREQ=MONTHLY;BYMONTHDAY=-1", "FREQ=MONTHLY;BYMONTHDAY=-1"},
              {"an hour", wednesday, at(2026, 11, 25, 10), "FREQ=DAILY;BYHOUR=9;BYDAY=WE",
               "FREQ=DAILY;BYHOUR=10;BYDAY=WE"},
-             {"a rule that does not read", wednesday, thursday, "FREQ=DAILY;UNTIL=x1", "FREQ=DAILY;UNTIL=x1"},
+             {"a rule that does not read", wednesday, thursday, "FREQ=DAILY;UNTIL=x1",
+              "FREQ=DAILY;UNTIL=x1"},
          })) {
         CAPTURE(c.name);
         CHECK(ical::movedRule(c.rule, ical::wallOf(c.before), ical::wallOf(c.after),
