@@ -18,6 +18,9 @@ public:
     bool GetState();
     /// Closes the dialog; SetText and GetState only let user input in afterwards.
     void Quit();
+
+    [[nodiscard]] bool isOpen() const { return !finished_; }
+
     /// Which of the two controls can be seen.
     void showButtons(bool cancelShown, bool okShown);
 

@@ -91,7 +91,8 @@ void countOrganizerRows(Table<Calendar>& table) {
 bool removeObjects(Table<Calendar>& picked) {
     app.status.SetText(tr(ids::kAutodelete));
     for (picked.MoveFirst(); !picked.atEnd(); picked.MoveNext()) {
-        if (!RemoveEntryFromMobile(picked)) {
+        if (!RemoveEntryFromMobile(app.phone.MobileConnected, app.phone.GlobalMobilePaths,
+                                   picked)) {
             return false;
         }
     }
