@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <tuple>
 #include <vector>
@@ -134,6 +135,11 @@ public:
             }
         }
         return series;
+    }
+
+    [[nodiscard]] std::optional<AppointmentFacts> FactsOf(TextView entryID) const override {
+        const auto item = items.find(Text(entryID));
+        return item == items.end() ? std::nullopt : std::optional(item->second);
     }
 
     std::unique_ptr<AppointmentItem> CreateItem() override {

@@ -32,6 +32,19 @@ struct RecurrencePattern {
     friend bool operator==(const RecurrencePattern&, const RecurrencePattern&) = default;
 };
 
+/// What a rule says beyond its pattern. The phone has no place for any of it.
+struct SeriesDetails {
+    /// The last day on which it may occur, and how often it occurs; 0 where the rule doesn't say.
+    Date PatternEndDate;
+    int Occurrences = 0;
+    /// Occurrences that were taken out, added or changed by themselves.
+    int Exceptions = 0;
+    /// The place of `monthNth` and `yearNth`: 1 to 5, -1 the last; 0 where no single one says it.
+    int Instance = 0;
+    /// The rule has parts that neither the pattern nor these details tell.
+    bool Inexact = false;
+};
+
 /// What an appointment tells of itself, in local wall-clock time. For a series each occurrence
 /// brings its own `Start` and `End` and the one `EntryID` and pattern of the series.
 struct AppointmentFacts {
@@ -44,8 +57,11 @@ struct AppointmentFacts {
     int MeetingStatus = 0;
     bool AllDayEvent = false;
     bool ReminderSet = false;
+    /// Of several reminders the one farthest from the start; negative behind it.
+    int ReminderMinutesBeforeStart = 0;
     bool IsRecurring = false;
     RecurrencePattern Pattern;
+    SeriesDetails Details;
     /// Of a series: its own first start and end, whatever this occurrence shows.
     Date SeriesStart;
     Date SeriesEnd;
@@ -102,6 +118,13 @@ public:
     /// The series that begin on this day, each once, with the facts of its beginning; also those
     /// whose first occurrence was taken out. A store that cannot tell gives none.
     virtual std::vector<AppointmentFacts> SeriesBeginning(Date) { return {}; }
+
+    /// The facts of an item as the last search saw it, of a series those of its beginning. Neither
+    /// opened nor read again: asking for every entry that a run writes costs next to nothing.
+    /// Nothing for an item that is not known; a store that cannot tell gives nothing.
+    [[nodiscard]] virtual std::optional<AppointmentFacts> FactsOf(TextView /*entryID*/) const {
+        return std::nullopt;
+    }
 
     /// A new item, stored by its `Save`; its EntryID is known at once.
     virtual std::unique_ptr<AppointmentItem> CreateItem() = 0;

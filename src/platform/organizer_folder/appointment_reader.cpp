@@ -1,6 +1,9 @@
 #include "platform/organizer_folder/appointment_reader.h"
 
+#include "platform/organizer_folder/series_details.h"
+
 #include <algorithm>
+#include <cstdlib>
 #include <map>
 #include <stdexcept>
 
@@ -47,14 +50,42 @@ Seconds creationOf(const ContentLines& lines, int event, Zones& zones, Seconds f
     return fileTime;
 }
 
-bool hasReminder(const ContentLines& lines, int event) {
+/// How long before the start a reminder rings; one whose trigger does not read rings at the start.
+Seconds leadOf(const ContentLines& lines, int alarm, const Stamp& start, Seconds length,
+               Zones& zones) {
+    const std::size_t line = lines.find(alarm, "TRIGGER");
+    if (line == kNoLine) {
+        return 0;
+    }
+    const std::string_view text = lines.textAt(line);
+    if (const auto offset = durationOf(propertyValue(text))) {
+        return -*offset - (sameName(parameterOf(text, "RELATED"), "END") ? length : 0);
+    }
+    const auto moment = stampOf(lines, line, zones);
+    const TimeZone& zone = start.isDate ? zones.local() : *start.zone;
+    return moment ? zone.utcOf(start.wall) - moment->zone->utcOf(moment->wall) : 0;
+}
+
+/// Minutes, part of one counted whole, within what a fact holds.
+std::int32_t minutesOf(Seconds seconds) {
+    const Seconds minutes = (std::abs(seconds) + 59) / 60;
+    const auto kept = static_cast<std::int32_t>(std::min<Seconds>(minutes, INT32_MAX));
+    return seconds < 0 ? -kept : kept;
+}
+
+void addReminder(const ContentLines& lines, int event, const Stamp& start, Seconds length,
+                 Zones& zones, EventFacts& facts) {
     const auto& components = lines.components();
     for (std::size_t i = static_cast<std::size_t>(event) + 1; i < components.size(); ++i) {
-        if (components[i].parent == event && isReminder(lines, static_cast<int>(i))) {
-            return true;
+        if (components[i].parent != event || !isReminder(lines, static_cast<int>(i))) {
+            continue;
+        }
+        facts.reminder = true;
+        const auto minutes = minutesOf(leadOf(lines, static_cast<int>(i), start, length, zones));
+        if (std::abs(minutes) > std::abs(facts.reminderMinutes)) {
+            facts.reminderMinutes = minutes;
         }
     }
-    return false;
 }
 
 EventFacts factsOf(const ContentLines& lines, int event, const Stamp& start, Seconds length,
@@ -67,7 +98,7 @@ EventFacts factsOf(const ContentLines& lines, int event, const Stamp& start, Sec
     facts.created = creationOf(lines, event, zones, fileTime);
     facts.meetingStatus = static_cast<std::int8_t>(meetingStatusOf(lines, event));
     facts.allDay = start.isDate;
-    facts.reminder = hasReminder(lines, event);
+    addReminder(lines, event, start, length, zones, facts);
     return facts;
 }
 
@@ -134,11 +165,14 @@ std::unique_ptr<Series> seriesOf(const ContentLines& lines, int event, const Sta
     addRules(lines, event, "RRULE", start, series->rules, first);
     if (first) {
         series->pattern = patternOf(*first, start.wall);
+        series->details = detailsOf(*first, start.wall, untilOf(*first, start));
     } else {
         series->pattern.PatternStartDate = wholeDay(dateOfWall(start.wall));
     }
     std::optional<RuleText> ignored;
     addRules(lines, event, "EXRULE", start, series->exceptionRules, ignored);
+    series->details.Inexact =
+        series->details.Inexact || series->rules.size() > 1 || !series->exceptionRules.empty();
     series->extraStarts = listedTimes(lines, event, "RDATE", zones);
     for (const Stamp& stamp : listedTimes(lines, event, "EXDATE", zones)) {
         series->leaveOut(stamp, zones);

@@ -87,6 +87,17 @@ std::vector<AppointmentFacts> FolderCalendar::SeriesBeginning(Date day) {
     return result;
 }
 
+std::optional<AppointmentFacts> FolderCalendar::FactsOf(TextView entryID) const {
+    const auto place = index_.find(toUtf8(entryID));
+    if (!place) {
+        return std::nullopt;
+    }
+    const ical::StoredItem& item = index_.items()[*place];
+    AppointmentFacts facts;
+    fill(facts, item, 0, {item.event.start, item.event.end});
+    return facts;
+}
+
 void FolderCalendar::fill(AppointmentFacts& facts, const ical::StoredItem& item, std::int32_t part,
                           const ical::Span& span) const {
     const ical::EventFacts& event =
@@ -99,8 +110,10 @@ void FolderCalendar::fill(AppointmentFacts& facts, const ical::StoredItem& item,
     facts.MeetingStatus = event.meetingStatus;
     facts.AllDayEvent = event.allDay;
     facts.ReminderSet = event.reminder;
+    facts.ReminderMinutesBeforeStart = event.reminderMinutes;
     facts.IsRecurring = item.series != nullptr;
     facts.Pattern = item.series ? item.series->pattern : RecurrencePattern{};
+    facts.Details = item.series ? item.series->details : SeriesDetails{};
     facts.SeriesStart = item.series ? ical::dateOfWall(item.event.start) : Date{};
     facts.SeriesEnd = item.series ? ical::dateOfWall(item.event.end) : Date{};
     facts.IsException = part > 0;
@@ -246,14 +259,11 @@ std::uint32_t FolderCalendar::fileOf(const std::string& id) {
 }
 
 AppointmentFacts FolderCalendar::storedFacts(const std::string& id) const {
-    const auto place = index_.find(id);
-    if (!place) {
+    const auto facts = FactsOf(fromUtf8(id));
+    if (!facts) {
         throw noItem();
     }
-    const ical::StoredItem& item = index_.items()[*place];
-    AppointmentFacts facts;
-    fill(facts, item, 0, {item.event.start, item.event.end});
-    return facts;
+    return *facts;
 }
 
 bool FolderCalendar::fetch(std::uint32_t file, FileStamp& stamp) {

@@ -36,6 +36,7 @@ public:
     const AppointmentFacts* FindNext() override;
     void SkipOccurrences() override;
     std::vector<AppointmentFacts> SeriesBeginning(Date day) override;
+    [[nodiscard]] std::optional<AppointmentFacts> FactsOf(TextView entryID) const override;
     std::unique_ptr<AppointmentItem> CreateItem() override;
     std::unique_ptr<AppointmentItem> GetItemFromID(TextView entryID) override;
 

@@ -45,6 +45,8 @@ void Series::settle() {
         return isLeftOut(wall) || wall == start.wall || atOrAfter(wall, wall) == wall;
     };
     std::erase_if(extraStarts, known);
+    details.Exceptions =
+        static_cast<int>(leftOutMoments_.size() + leftOutDays_.size() + extraStarts.size());
 }
 
 bool Series::isLeftOut(Seconds wall) {

@@ -32,6 +32,7 @@ struct EventFacts {
     Seconds start = 0;
     Seconds end = 0;
     Seconds created = 0;
+    std::int32_t reminderMinutes = 0; ///< before the start
     std::int8_t meetingStatus = 0;
     bool allDay = false;
     bool reminder = false;
@@ -58,12 +59,14 @@ public:
     std::vector<Stamp> extraStarts;    ///< RDATE
     std::vector<EventFacts> overrides; ///< occurrences with a VEVENT of their own
     RecurrencePattern pattern;
+    SeriesDetails details;
     /// True when DTSTART is an occurrence itself: it always is but for an EXDATE or an override.
     bool startsItself = true;
 
     /// EXDATE or RECURRENCE-ID: this occurrence does not come from the rule.
     void leaveOut(const Stamp& stamp, const Zones& zones);
-    /// Called once all is in: sorts, and drops the extra starts that the rules give anyway.
+    /// Called once all is in: sorts, drops the extra starts that the rules give anyway, counts the
+    /// exceptions.
     void settle();
 
     /// The first start given by a rule, DTSTART not counted, at or behind `wall` of the series'
