@@ -15,13 +15,15 @@ namespace tandolin {
 
 /// Reads an object into the current row, which is a new one. True when it was read to its end. A
 /// failure is reported with the file name and the line of the property, counted from 1; the row
-/// keeps what was read until then. `codePage`: the object's bytes were no UTF-8.
+/// keeps what was read until then. `codePage`: the object's bytes were no UTF-8. `rule`, where given,
+/// takes the object's rule as it stands there.
 bool ParsEntryFromMobile(Table<Calendar>& table, TextView object, TextView fileName = {},
-                         bool codePage = false);
+                         bool codePage = false, Text* rule = nullptr);
 
 /// The same without the report and without a box: the failure itself, or nothing.
 std::optional<Failure> readCalendarObject(Table<Calendar>& table, TextView object,
-                                          TextView fileName = {}, bool codePage = false);
+                                          TextView fileName = {}, bool codePage = false,
+                                          Text* rule = nullptr);
 
 /// The object of the current row, CR LF behind every line. The caller has cut the texts to the
 /// phone's length before. Throws Failure 6 for a date or day mask that is out of range.

@@ -43,8 +43,9 @@ Date objectDate(TextView value) {
 /// One object on its way into the current row.
 class ObjectReader {
 public:
-    ObjectReader(Table<Calendar>& row, TextView object, TextView fileName, bool codePage)
-        : row_(row), rest_(object), fileName_(fileName), codePage_(codePage) {}
+    ObjectReader(Table<Calendar>& row, TextView object, TextView fileName, bool codePage,
+                 Text* rule)
+        : row_(row), rest_(object), fileName_(fileName), codePage_(codePage), rule_(rule) {}
 
     std::optional<Failure> run() {
         auto failure = attempt([this] {
@@ -156,6 +157,9 @@ private:
 
     void recurrenceRule() {
         const RecurrenceRule rule = readRecurrenceRule(value_, app.phone.MobileModel);
+        if (rule_ != nullptr) {
+            *rule_ = value_;
+        }
         row_.set(cal::RecurrenceFrequenz, rule.frequenz);
         row_.set(cal::RecurrenceDuration, std::int64_t{0});
         row_.set(cal::RecurrenceIntervall, rule.intervall);
@@ -250,6 +254,7 @@ private:
     TextView rest_;
     TextView fileName_;
     bool codePage_;
+    Text* rule_;
     TextView tag_;
     Text value_;
     std::int16_t depth_ = 0;
@@ -275,12 +280,12 @@ const std::array<ObjectReader::Property, 11> ObjectReader::kProperties{{
 } // namespace
 
 std::optional<Failure> readCalendarObject(Table<Calendar>& table, TextView object,
-                                          TextView fileName, bool codePage) {
-    return ObjectReader(table, object, fileName, codePage).run();
+                                          TextView fileName, bool codePage, Text* rule) {
+    return ObjectReader(table, object, fileName, codePage, rule).run();
 }
 
-bool ParsEntryFromMobile(Table<Calendar>& table, TextView object, TextView fileName,
-                         bool codePage) {
+bool ParsEntryFromMobile(Table<Calendar>& table, TextView object, TextView fileName, bool codePage,
+                         Text* rule) {
     constexpr Place kHere{u"vCal", u"ParsEntryFromMobile"};
     return trapped(
         kHere, false,
@@ -289,7 +294,7 @@ bool ParsEntryFromMobile(Table<Calendar>& table, TextView object, TextView fileN
                 app.ports.screen.boxes->ask(tr(ids::kProgramTitle), object, Icon::none,
                                             Buttons::ok);
             }
-            if (const auto failure = readCalendarObject(table, object, fileName, codePage)) {
+            if (const auto failure = readCalendarObject(table, object, fileName, codePage, rule)) {
                 throw Failure(*failure);
             }
             read = true;
