@@ -9,6 +9,7 @@
 #include "core/status_dialog.h"
 
 #include <cstdint>
+#include <map>
 #include <memory>
 #include <optional>
 #include <set>
@@ -72,6 +73,14 @@ struct MobilePaths {
     Text fileNameList;
 };
 
+/// What the organizer would not take over of an object.
+struct ObjectLosses {
+    /// A sentence about its rule; empty where the rule is taken whole.
+    Text series;
+    /// Its alarm, counted from its start; negative before it.
+    std::int64_t alarmMinutes = 0;
+};
+
 struct PhoneState {
     std::unique_ptr<PhoneServer> PXDServer;
     MobilePaths GlobalMobilePaths;
@@ -95,6 +104,8 @@ struct PhoneState {
     std::optional<std::set<int>> numbersOnPhone;
     /// Numbers that were given without such a listing: asked for again before their first write.
     std::set<int> numbersGivenUnseen;
+    /// By number, the objects read that hold more than the organizer would take.
+    std::map<std::int32_t, ObjectLosses> losses;
     /// Phone rows were taken out of `RSCalendar` since the read.
     bool phoneRowsCleared = false;
     /// `--accept-empty-phone`: a listing without entries can be a successful read.
@@ -192,6 +203,9 @@ struct RunState {
     std::int32_t organizerRead = 0;
     std::int32_t paired = 0;
     std::vector<Note> notes;
+    /// Entries of the phone that nearly met one of the organizer, by the object's number. They
+    /// become notes when the run ends: until then a look-up may still pair them.
+    std::map<std::int32_t, Note> nearMatches;
 };
 
 /// All module-wide state in one value, so that a test starts fresh by assignment.

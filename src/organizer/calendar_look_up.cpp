@@ -41,7 +41,9 @@ public:
     [[nodiscard]] bool rowIsPaired() const { return table_[cal::PIM]; }
 
     /// The organizer has the entry, but not in the phone's words.
-    [[nodiscard]] bool heldInOtherForm() const { return heldInOtherForm_; }
+    [[nodiscard]] const std::optional<AppointmentFacts>& heldInOtherForm() const {
+        return heldInOtherForm_;
+    }
 
 private:
     /// What the rules ask first, asked before a row is made of the item.
@@ -62,25 +64,26 @@ private:
             }
             Table<Calendar> scratch;
             vCalCreateNewRecord(scratch);
-            if (InsertEntry(factsForRow(item), scratch)) {
-                pair(scratch);
+            if (InsertEntry(factsForRow(item), scratch) && !pair(scratch) && !heldInOtherForm_ &&
+                equalsOnPhone(scratch)) {
+                heldInOtherForm_ = item;
             }
         }
     }
 
     /// The item may be the partner of another row of the phone than the one looked at.
-    void pair(Table<Calendar>& scratch) {
+    bool pair(Table<Calendar>& scratch) {
         const KeepPosition keep(table_);
-        if (vCalFindCompare(table_, scratch, Date{0})) {
-            if (!table_[cal::PIM]) {
-                vCalSyncOutlookEntry(table_, scratch);
-                table_.set(cal::creafromMob, true);
-                ++app.organizer.vCalPIMCount;
-                app.organizer.vCalPIMRead = kTrue;
-            }
-            return;
+        if (!vCalFindCompare(table_, scratch, Date{0})) {
+            return false;
         }
-        heldInOtherForm_ = heldInOtherForm_ || equalsOnPhone(scratch);
+        if (!table_[cal::PIM]) {
+            vCalSyncOutlookEntry(table_, scratch);
+            table_.set(cal::creafromMob, true);
+            ++app.organizer.vCalPIMCount;
+            app.organizer.vCalPIMRead = kTrue;
+        }
+        return true;
     }
 
     bool isInTable(TextView uid) {
@@ -99,12 +102,13 @@ private:
     }
 
     Table<Calendar>& table_;
-    bool heldInOtherForm_ = false;
+    std::optional<AppointmentFacts> heldInOtherForm_;
 };
 
 } // namespace
 
-bool SearchingforaOutlookEntry(Table<Calendar>& table, bool* heldInOtherForm) {
+bool SearchingforaOutlookEntry(Table<Calendar>& table,
+                               std::optional<AppointmentFacts>* heldInOtherForm) {
     return trapped({u"QELOutlook", u"SearchingforaOutlookEntry"}, false, [&](bool& result) {
         if (app.organizer.MOL == nullptr || !app.organizer.OrganizerPresent) {
             result = true;

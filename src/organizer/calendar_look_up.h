@@ -1,6 +1,9 @@
 #pragma once
 
+#include "core/ports/organizer.h"
 #include "store/tables.h"
+
+#include <optional>
 
 namespace tandolin {
 
@@ -8,8 +11,9 @@ namespace tandolin {
 /// at its start, for an entry with a time those up to one hour later, and for a series those at its
 /// anchor too. The row that a found item matches becomes one of both sides; `vCalPIMCount` grows by
 /// it. The position stays. False after a reported failure: the organizer may hold the entry all the
-/// same. `heldInOtherForm`, where given, takes whether an item outside the table equals the row as
-/// the phone would hold it.
-bool SearchingforaOutlookEntry(Table<Calendar>& table, bool* heldInOtherForm = nullptr);
+/// same. `heldInOtherForm`, where given, takes the item outside the table that equals the row as
+/// the phone would hold it, if there is one.
+bool SearchingforaOutlookEntry(Table<Calendar>& table,
+                               std::optional<AppointmentFacts>* heldInOtherForm = nullptr);
 
 } // namespace tandolin

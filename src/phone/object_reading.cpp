@@ -4,6 +4,7 @@
 #include "core/trap.h"
 #include "formats/calendar_codec.h"
 #include "formats/recurrence.h"
+#include "formats/rule_losses.h"
 #include "phone/free_numbers.h"
 #include "phone/object_store.h"
 #include "phone/phone_info.h"
@@ -41,6 +42,23 @@ bool takeIntoMainTable() {
     return matched;
 }
 
+/// The row does not keep all that the object says, and a series loses the time of its alarm when it
+/// is moved into the period: what the organizer would not take over is noted now.
+void rememberLosses(const Table<Calendar>& row, TextView rule) {
+    ObjectLosses losses;
+    if (row[cal::IsRecurring]) {
+        losses.series = lossesOfRule(rule, app.phone.MobileModel, row[cal::PIMRecPatt]);
+    }
+    if (row[cal::DTStartFlag] && row[cal::Alarm]) {
+        // An audio alarm stands for the display alarm beside it.
+        const Date alarm = row[row[cal::AAlarmFlag] ? cal::AAlarm : cal::DAlarm];
+        losses.alarmMinutes = minutesBetween(row[cal::DTStart], alarm);
+    }
+    if (!losses.series.empty() || losses.alarmMinutes != 0) {
+        app.phone.losses[row[cal::SubType]] = std::move(losses);
+    }
+}
+
 /// One object; false ends the read. An empty object is passed over, and the count then tells.
 bool readOne(const ReadingForm& form, TextView fileName) {
     Text object;
@@ -59,11 +77,13 @@ bool readOne(const ReadingForm& form, TextView fileName) {
         return true;
     }
     const WorkRow row;
-    if (!ParsEntryFromMobile(tables.RSCalendarWork, object, fileName, codePage)) {
+    Text rule;
+    if (!ParsEntryFromMobile(tables.RSCalendarWork, object, fileName, codePage, &rule)) {
         return false;
     }
     tables.RSCalendarWork.set(cal::EntryPath, app.phone.GlobalMobilePaths.calendarDirectory);
     form.setStoreFields(tables.RSCalendarWork, fileName);
+    rememberLosses(tables.RSCalendarWork, rule);
     const bool matched = takeIntoMainTable();
     ++app.phone.vCalEntryCount;
     form.afterTaking(tables.RSCalendar, matched);
@@ -100,6 +120,7 @@ bool ObjectsRead::complete() const {
 ObjectsRead readCalendarObjects(const ReadingForm& form) {
     app.phone.vCalEntryCount = 0;
     app.phone.vCalRead = kFalse;
+    app.phone.losses.clear();
     return trapped(form.place, ObjectsRead{}, [&](ObjectsRead& read) {
         std::vector<Text> names;
         read.listed = DirMobileEntryFiles(

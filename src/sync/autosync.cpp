@@ -11,6 +11,7 @@
 #include "sync/autosync_frame.h"
 #include "sync/autosync_modes.h"
 #include "sync/autosync_walk.h"
+#include "sync/near_notes.h"
 #include "sync/status_arrays.h"
 #include "sync/unpaired.h"
 
@@ -39,7 +40,11 @@ bool readOrganizer() {
     app.run.organizerFailed = app.run.organizerFailed || !done;
     app.run.paired = countPairedRows(tables.RSCalendar);
     explainUnpaired(tables.RSCalendar);
-    return done && !app.run.cancelled;
+    if (!done || app.run.cancelled) {
+        return false;
+    }
+    collectNearMatches(tables.RSCalendar);
+    return true;
 }
 
 void writeByMode() {
@@ -111,6 +116,8 @@ void endRun() {
     ClearRecordSet(tables.RSCalendar);
     app.phone.vCalRead = kFalse;
     app.phone.vCalEntryCount = 0;
+    app.phone.losses.clear();
+    tellNearMatches();
     vCalClearPIMStatusArray();
     forgetNumbersOnPhone();
     app.status.Quit();

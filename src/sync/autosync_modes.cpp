@@ -10,6 +10,8 @@
 #include "phone/free_numbers.h"
 #include "phone/phone_writing.h"
 #include "sync/calendar_rules.h"
+#include "sync/loss_notes.h"
+#include "sync/near_notes.h"
 #include "sync/status_arrays.h"
 
 #include <algorithm>
@@ -41,6 +43,7 @@ bool sendNewObject(Table<Calendar>& table) {
     }
     table.set(cal::EntryID, decimal(number));
     table.set(cal::SubType, number);
+    noteLossesOnPhone(table);
     if (!SendSingleEntry(table)) {
         app.run.entriesFailed = true;
         vCalClearAfterMobileError(false);
@@ -82,15 +85,23 @@ bool rereadOrganizer(Table<Calendar>& table) {
 /// A phone-only row becomes an organizer item, unless the organizer has it where the read did not
 /// look. False only when the organizer cannot be read any more: then nothing more is written.
 bool createIfMissing(SyncWork& work, Table<Calendar>& table, bool readSeriesBack) {
-    bool heldInOtherForm = false;
+    std::optional<AppointmentFacts> heldInOtherForm;
     if (!SearchingforaOutlookEntry(table, &heldInOtherForm)) {
         app.run.organizerFailed = true; // created now, the entry could be there twice
         return false;
     }
-    if (table[cal::EntryType] != CONST_ENTRY_vCAL_MOBILE || heldInOtherForm ||
-        work.nearMatches.standsFor(table)) {
+    if (table[cal::EntryType] != CONST_ENTRY_vCAL_MOBILE) {
+        forgetNearMatch(table);
         return true;
     }
+    if (heldInOtherForm) {
+        noteHeldBack(table, *heldInOtherForm);
+        return true;
+    }
+    if (work.nearMatches.standsFor(table)) {
+        return true;
+    }
+    noteLossesInOrganizer(table);
     table.set(cal::EntryType, CONST_ENTRY_vCAL_BOTH);
     table.set(cal::PIM, true);
     if (!WriteOutlookEntry(table, true)) {
@@ -127,6 +138,7 @@ bool removeFromPhone(Table<Calendar>& table) {
         vCalClearAfterMobileError(false);
         return false;
     }
+    forgetNearMatch(table);
     if (table[cal::EntryType] == CONST_ENTRY_vCAL_MOBILE) {
         table.Delete();
     } else {

@@ -1,6 +1,7 @@
 #include "sync/near_match.h"
 
 #include "sync/calendar_rules.h"
+#include "sync/near_notes.h"
 
 namespace tandolin {
 
@@ -27,6 +28,7 @@ bool NearMatches::standsFor(Table<Calendar>& table) {
             kindsAgree(table, wanted) &&
             (fromOrganizer ? textsEqualOnPhone(wanted, table) : textsEqualOnPhone(table, wanted));
         if (equal && used_.emplace(table[cal::EntryID]).second) {
+            fromOrganizer ? noteHeldBack(table, wanted) : noteHeldBack(wanted, table);
             return true;
         }
     }

@@ -14,7 +14,7 @@ public:
     /// Is there a row of the other side alone that equals the current row as the phone would hold
     /// it: equal start (anchor, kind and time for a series), kinds agree, the organizer's text cut
     /// as for the phone equals the phone's without regard to case and trailing blanks? Each found
-    /// row stands for one entry only.
+    /// row stands for one entry only. What was held back so is noted.
     bool standsFor(Table<Calendar>& table);
 
 private:
