@@ -27,6 +27,8 @@ constexpr const char* kFooter = R"(Words (any case, any place):
 Example:
   halverntandolin --phone dir:PHONE --organizer folder:ORG VCAL
 
+What each mode copies, removes and cuts: what-travels.md in share/doc/halverntandolin (source: docs).
+
 Exit status: 0 done; 1 done, but something stayed behind or failed; 2 usage; 3 phone, 4 organizer
 not reached or not read (nothing was written); 5 stopped; 6 another instance is active; 7 the start
 failed.)";
