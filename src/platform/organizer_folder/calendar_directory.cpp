@@ -52,6 +52,11 @@ struct CloseDirectory {
 
 } // namespace
 
+unsigned modeOfNewFiles() {
+    constexpr unsigned kForAll = 0644;
+    return kForAll & ~fileModeMask();
+}
+
 CalendarDirectory::CalendarDirectory(const fs::path& root, const fs::path& directory)
     : root_(root), directory_(root / directory) {
     const fs::path relative = directory_.lexically_relative(root_);

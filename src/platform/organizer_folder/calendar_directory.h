@@ -28,6 +28,9 @@ struct FileStamp {
     [[nodiscard]] std::int64_t modifiedSeconds() const { return modifiedNs / 1'000'000'000; }
 };
 
+/// The mode of a new file of the organizer: readable by all, as far as the user's mask lets it.
+unsigned modeOfNewFiles();
+
 class CalendarDirectory {
 public:
     /// `root` is what file names are told relative to, and where links may lead.

@@ -17,8 +17,12 @@ namespace {
 
 // Another program that writes the same file again and again does not stop the run for ever.
 constexpr int kMostTries = 5;
-constexpr unsigned kNewFileMode = 0644;
 constexpr std::size_t kLargestKeptBuffer = std::size_t{1} << 20U;
+
+/// What a file of the calendar is called where both sides are files.
+std::string nameAmongFiles(const std::string& name) {
+    return "calendar/" + name;
+}
 
 Failure noItem() {
     return {failure_number::kNoItem, u"There is no such item in the calendar."};
@@ -27,9 +31,9 @@ Failure noItem() {
 } // namespace
 
 FolderCalendar::FolderCalendar(CalendarDirectory directory, ical::Zones& zones, const Clock& clock,
-                               bool dryRun)
+                               bool dryRun, ChangeObserver* changes)
     : directory_(std::move(directory)), zones_(zones), clock_(clock), dryRun_(dryRun),
-      newFileMode_(kNewFileMode & ~fileModeMask()), index_(zones) {}
+      changes_(changes), newFileMode_(modeOfNewFiles()), index_(zones) {}
 
 void FolderCalendar::opened() {
     directory_.checkOpen();
@@ -384,20 +388,22 @@ void FolderCalendar::store(std::uint32_t file, const std::string& bytes, unsigne
         return;
     }
     const bool seenAll = directory_.stamp() == folderStamp_;
-    try {
-        if (!seenAll) {
-            directory_.open();
+    observed(changes_, StoreSide::organizer, nameAmongFiles(name), bytes, [&] {
+        try {
+            if (!seenAll) {
+                directory_.open();
+            }
+            // A new file has a mode of its own, and no link to follow.
+            if (mode != 0) {
+                replaceFile(directory_.opened(), name, bytes, mode, Flush::later);
+            } else {
+                replaceFile(directory_.pathOf(name), bytes, mode, Flush::later);
+            }
+        } catch (Failure& failure) {
+            failure.File = directory_.label(name);
+            throw;
         }
-        // A new file has a mode of its own, and no link to follow.
-        if (mode != 0) {
-            replaceFile(directory_.opened(), name, bytes, mode, Flush::later);
-        } else {
-            replaceFile(directory_.pathOf(name), bytes, mode, Flush::later);
-        }
-    } catch (Failure& failure) {
-        failure.File = directory_.label(name);
-        throw;
-    }
+    });
     written_ = true;
     files_[file].stamp = directory_.stampOf(name).value_or(FileStamp{});
     if (seenAll) {
@@ -414,11 +420,13 @@ void FolderCalendar::removeFile(std::uint32_t file) {
         return;
     }
     const bool seenAll = directory_.stamp() == folderStamp_;
-    if (::unlink((directory_.path() / name).c_str()) != 0 && errno != ENOENT) {
-        Failure failure = failureOfErrno(errno, directory_.path() / name, u"cannot remove");
-        failure.File = directory_.label(name);
-        throw failure;
-    }
+    observed(changes_, StoreSide::organizer, nameAmongFiles(name), std::nullopt, [&] {
+        if (::unlink((directory_.path() / name).c_str()) != 0 && errno != ENOENT) {
+            Failure failure = failureOfErrno(errno, directory_.path() / name, u"cannot remove");
+            failure.File = directory_.label(name);
+            throw failure;
+        }
+    });
     written_ = true;
     if (seenAll) {
         folderStamp_ = directory_.stamp();

@@ -12,6 +12,7 @@
 // An item that is opened or saved always comes fresh from its file.
 
 #include "core/ports/organizer.h"
+#include "core/ports/store_changes.h"
 #include "core/ports/system.h"
 #include "platform/organizer_folder/appointment_writer.h"
 #include "platform/organizer_folder/calendar_directory.h"
@@ -29,8 +30,8 @@ namespace tandolin::platform {
 
 class FolderCalendar : public CalendarFolder {
 public:
-    FolderCalendar(CalendarDirectory directory, ical::Zones& zones, const Clock& clock,
-                   bool dryRun);
+    FolderCalendar(CalendarDirectory directory, ical::Zones& zones, const Clock& clock, bool dryRun,
+                   ChangeObserver* changes = nullptr);
 
     const AppointmentFacts* Find(StartRange range) override;
     const AppointmentFacts* FindNext() override;
@@ -88,6 +89,7 @@ private:
     ical::Zones& zones_;
     const Clock& clock_;
     bool dryRun_;
+    ChangeObserver* changes_;
     unsigned newFileMode_;
 
     std::deque<StoredFile> files_;

@@ -15,7 +15,7 @@ CalendarFolder& FolderOrganizer::GetDefaultCalendarFolder() {
             options_.localZone.empty() ? ical::localZoneName() : options_.localZone);
         auto calendar =
             std::make_unique<FolderCalendar>(CalendarDirectory(options_.root, options_.calendarDir),
-                                             *zones, clock_, options_.dryRun);
+                                             *zones, clock_, options_.dryRun, options_.changes);
         calendar->opened();
         zones_ = std::move(zones);
         calendar_ = std::move(calendar);

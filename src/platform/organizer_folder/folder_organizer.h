@@ -6,6 +6,7 @@
 //     root/contacts/<folder>/*.vcf  cards
 
 #include "core/ports/organizer.h"
+#include "core/ports/store_changes.h"
 #include "core/ports/system.h"
 #include "platform/organizer_folder/contact_folders.h"
 #include "platform/organizer_folder/zones.h"
@@ -28,6 +29,8 @@ struct FolderOrganizerOptions {
     bool dryRun = false;
     /// The local zone by name; empty asks the environment.
     std::string localZone;
+    /// Is told of every change before it is made; null: nobody. Must outlive the organizer.
+    ChangeObserver* changes = nullptr;
 };
 
 class FolderOrganizer : public Organizer {

@@ -104,8 +104,9 @@ void ObjectFolder::checkRoomFor(int number) {
                      u" that is no object or that another program has just put there");
 }
 
-void ObjectFolder::write(int number, std::string_view bytes) {
-    store(number, bytes, fileNameFor(number));
+void ObjectFolder::write(int number, std::string_view bytes, const std::string& newName) {
+    const bool isNew = !names_.contains(number) && !deleted_.contains(number);
+    store(number, bytes, isNew && !newName.empty() ? newName : fileNameFor(number));
     deleted_.erase(number);
     lastWritten_ = number;
 }

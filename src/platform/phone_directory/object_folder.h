@@ -49,9 +49,9 @@ public:
     /// on disk may bear its name, for another program can have put it there meanwhile.
     void checkRoomFor(int number);
 
-    /// Stores an object under its number, or in the file that holds this number already. Call
-    /// `checkRoomFor` before.
-    void write(int number, std::string_view bytes);
+    /// Stores an object under its number, or in the file that holds this number already. A new file
+    /// is called `newName` ("17.VCS"), "17.vcs" without one. Call `checkRoomFor` before.
+    void write(int number, std::string_view bytes, const std::string& newName = {});
 
     /// The lowest number from 1 on that no file bears.
     int lowestFree();

@@ -80,14 +80,14 @@ std::optional<int> DirectoryPhone::numberOf(const StorePath& path) const {
 DirectoryPhone::Object DirectoryPhone::objectToWrite(const StorePath& path) {
     ObjectFolder& folder = folderOf(path.place);
     if (path.place == StorePlace::phoneBook && sameName(path.name, "new.vcf")) {
-        return {folder, folder.lowestFree()};
+        return {folder, folder.lowestFree(), {}};
     }
     const std::optional<int> number = numberOf(path);
     if (!number) {
         throw Failure(failure_number::kAccessDenied,
                       u"The phone takes no object of this name: " + fromUtf8(path.name));
     }
-    return {folder, *number};
+    return {folder, *number, path.name};
 }
 
 void DirectoryPhone::PXDDelete(TextView path) {
@@ -168,7 +168,7 @@ void DirectoryPhone::PXDWrite(TextView path, const PXDStream& stream, int /*flag
         const Object object = objectToWrite(name);
         object.folder.checkRoomFor(object.number);
         beforeChange();
-        object.folder.write(object.number, stream.bytes);
+        object.folder.write(object.number, stream.bytes, object.name);
     });
 }
 

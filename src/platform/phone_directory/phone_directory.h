@@ -37,10 +37,11 @@ public:
     void flush() override;
 
 private:
-    /// An object's directory and number.
+    /// An object's directory and number, and the name that it was asked for by.
     struct Object {
         ObjectFolder& folder;
         int number;
+        std::string name;
     };
 
     void requireStore() const;

@@ -1,0 +1,162 @@
+#include "platform/organizer_folder/folder_files.h"
+
+#include "core/failure.h"
+#include "platform/organizer_folder/calendar_directory.h"
+#include "platform/system_posix/atomic_file.h"
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <limits>
+
+namespace tandolin::platform {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr std::string_view kCalendar = "calendar/";
+constexpr std::string_view kContacts = "contacts/";
+constexpr std::size_t kAnySize = std::numeric_limits<std::size_t>::max() / 2;
+constexpr unsigned kKeepMode = 0;
+
+bool isWithin(const fs::path& path, const fs::path& folder) {
+    const auto [end, ignored] = std::ranges::mismatch(folder, path);
+    return end == folder.end();
+}
+
+Failure refusal(const std::string& name) {
+    return {failure_number::kAccessDenied,
+            u"The name leads out of the organizer: " + fromUtf8(name)};
+}
+
+bool isCardName(const std::string& name) {
+    return name.size() > 4 && sameText(fromUtf8(name.substr(name.size() - 4)), u".vcf");
+}
+
+/// Cards of all folders; links and hidden names are passed over, as everywhere in the organizer.
+void addCards(const fs::path& directory, std::vector<std::string>& names) {
+    std::error_code error;
+    if (fs::status(directory, error).type() == fs::file_type::not_found) {
+        return;
+    }
+    fs::recursive_directory_iterator entry(directory, error);
+    for (; !error && entry != fs::recursive_directory_iterator(); entry.increment(error)) {
+        const std::string name = entry->path().filename().native();
+        if (name.front() == '.') {
+            entry.disable_recursion_pending();
+        } else if (entry->symlink_status().type() == fs::file_type::regular && isCardName(name)) {
+            names.push_back(std::string(kContacts) +
+                            entry->path().lexically_relative(directory).native());
+        }
+    }
+    if (error) {
+        throw failureOfErrno(error.value(), directory, u"cannot read");
+    }
+}
+
+} // namespace
+
+std::vector<std::string> FolderFiles::entries(EntryKinds kinds) {
+    const CalendarDirectory directory(options_.root, options_.calendarDir);
+    directory.checkOpen();
+    std::vector<std::string> names;
+    if (kinds.calendar) {
+        for (const std::string& name : directory.names()) {
+            names.push_back(std::string(kCalendar) + name);
+        }
+    }
+    if (kinds.contacts) {
+        addCards(contacts(), names);
+        std::ranges::sort(names);
+    }
+    return names;
+}
+
+FolderFiles::Place FolderFiles::placeOf(const std::string& name) const {
+    const bool isCard = name.starts_with(kContacts);
+    if (!isCard && !name.starts_with(kCalendar)) {
+        throw refusal(name);
+    }
+    const fs::path below(name.substr((isCard ? kContacts : kCalendar).size()));
+    for (const fs::path& part : below) {
+        if (part.empty() || part == "." || part == ".." ||
+            part.native().find('\0') != std::string::npos) {
+            throw refusal(name);
+        }
+    }
+    const fs::path directory = isCard ? contacts() : calendar();
+    if (below.empty() || below.is_absolute() || (!isCard && below.has_parent_path())) {
+        throw refusal(name);
+    }
+    fs::path path = directory / below;
+    std::error_code error;
+    if (below.has_parent_path() && !isFolderOf(directory, path.parent_path())) {
+        throw refusal(name);
+    }
+    if (fs::is_symlink(path, error)) {
+        path = fs::canonical(path, error);
+        const bool inside = !error && (isWithin(path, fs::weakly_canonical(options_.root, error)) ||
+                                       isWithin(path, fs::weakly_canonical(directory, error)));
+        if (!inside) {
+            throw refusal(name);
+        }
+    }
+    return {directory, path};
+}
+
+bool FolderFiles::isFolderOf(const fs::path& directory, const fs::path& folder) const {
+    if (folder == known_) {
+        return true; // the cards of one folder follow each other
+    }
+    std::error_code error;
+    const fs::path real = fs::weakly_canonical(folder, error);
+    if (error || !isWithin(real, fs::weakly_canonical(directory, error)) || error) {
+        return false;
+    }
+    known_ = folder;
+    return true;
+}
+
+std::optional<std::string> FolderFiles::read(const std::string& name) {
+    const Place place = placeOf(name);
+    try {
+        return readWholeFile(place.path, kAnySize);
+    } catch (const Failure& failure) {
+        if (failure.Number != failure_number::kNotFound) {
+            throw;
+        }
+        return std::nullopt;
+    }
+}
+
+void FolderFiles::write(const std::string& name, std::string_view bytes) {
+    const Place place = placeOf(name);
+    observed(options_.changes, StoreSide::organizer, name, bytes, [&] {
+        std::error_code ignored;
+        const bool isThere = fs::exists(place.path, ignored);
+        makePrivateDirectories(place.path.parent_path());
+        replaceFile(place.path, bytes, isThere ? kKeepMode : modeOfNewFiles(), Flush::later);
+    });
+    changed_ = place.directory;
+}
+
+void FolderFiles::remove(const std::string& name) {
+    const Place place = placeOf(name);
+    observed(options_.changes, StoreSide::organizer, name, std::nullopt, [&] {
+        if (::unlink(place.path.c_str()) != 0 && errno != ENOENT) {
+            throw failureOfErrno(errno, place.path, u"cannot remove");
+        }
+    });
+    changed_ = place.directory;
+}
+
+void FolderFiles::flush() {
+    if (!changed_.empty()) {
+        syncFileSystem(changed_);
+        changed_.clear();
+    }
+}
+
+} // namespace tandolin::platform
