@@ -2,7 +2,7 @@
 # installMissing with the lists that are needed. Nothing is asked of apt while all is in place.
 
 toBuild=(g++ cmake ninja-build pkg-config gettext tzdata
-    libical-dev libtomlplusplus-dev libcli11-dev nlohmann-json3-dev)
+    libical-dev libtomlplusplus-dev libcli11-dev nlohmann-json3-dev nettle-dev)
 toTest=(doctest-dev faketime khal python3)
 # clang does not bring its run-time libraries, which hold libFuzzer and the sanitizers.
 toFuzz=(clang libclang-rt-14-dev)
