@@ -71,7 +71,8 @@ bool sendIfMissing(SyncWork& work, Table<Calendar>& table) {
 }
 
 /// The table tells the truth about the organizer again, and stands where it stood. False ends the
-/// walk: the read failed or was cut short, or the next write would meet the full disk again.
+/// walk: the read failed or was cut short, or the next write would meet the same full disk or
+/// refusal to write at all.
 bool rereadOrganizer(Table<Calendar>& table) {
     app.run.entriesFailed = true;
     const Bookmark mark = table.bookmark();
@@ -79,7 +80,8 @@ bool rereadOrganizer(Table<Calendar>& table) {
     const bool done = vCalReadOutlook(table, true);
     table.goTo(mark);
     app.run.organizerFailed = app.run.organizerFailed || !done;
-    return done && !app.run.cancelled && !app.run.diskFull;
+    return done && !app.run.cancelled && !app.run.diskFull && !app.run.startFailed &&
+           !app.run.phoneFailed;
 }
 
 /// A phone-only row becomes an organizer item, unless the organizer has it where the read did not

@@ -70,7 +70,7 @@ TEST_CASE("What ends the program at once") {
              {{"--max-remove", "9999999999"}, 2, "--max-remove"},
              {{"--answer", "perhaps"}, 2, "perhaps"},
              {{"--inspect"}, 2, "--inspect"},
-             {{"--Restore", "DIR"}, 2, "not available"},
+             {{"--Restore", "DIR", "VCAL"}, 2, "command of its own"},
              {{"--list-ports"}, 2, "not available"},
          }) {
         // clang-format on

@@ -196,7 +196,8 @@ def check_result(result, outcome):
     if document is not None:
         expect("exit in the document", document["exit"], result["exit"])
         expect("contacts", document["contacts"], [])
-        expect("backup", document["backup"], None)
+        changed = any(value > 0 for key, value in document["counts"].items() if key.endswith(("Written", "Removed")))
+        expect("a copy was made", document["backup"] is not None, changed and not document["dryRun"])
         expect("rows", rows_of(document), result.get("calendar", []))
         errors = [[e["ErrorNum"], e["File"], e["Line"]] for e in document["errors"]]
         expect("errors", errors, result.get("errors", []))

@@ -27,6 +27,8 @@ constexpr const char* kFooter = R"(Words (any case, any place):
 Example:
   halverntandolin --phone dir:PHONE --organizer folder:ORG VCAL
 
+Before its first write a run copies both sides; --list-backups shows the copies, --restore DIR
+undoes the run (exit 1 when something was changed since and is left alone).
 What each mode copies, removes and cuts: what-travels.md in share/doc/halverntandolin (source: docs).
 
 Exit status: 0 done; 1 done, but something stayed behind or failed; 2 usage; 3 phone, 4 organizer
@@ -34,8 +36,8 @@ not reached or not read (nothing was written); 5 stopped; 6 another instance is 
 failed.)";
 
 /// Options that come with a later version; each is refused with one sentence, nothing is touched.
-constexpr std::array kNotBuilt{"--restore",    "--list-backups", "--list-folders",
-                               "--list-ports", "--test-phone",   "--contact-folder"};
+constexpr std::array kNotBuilt{"--list-folders", "--list-ports", "--test-phone",
+                               "--contact-folder"};
 
 std::string lower(std::string text) {
     std::ranges::transform(text, text.begin(),
@@ -96,6 +98,12 @@ void define(CLI::App& cli, Options& options, std::vector<std::string>& sets, std
     cli.add_option("--answer", options.answer, "answer to questions: yes, no or cancel")
         ->check(CLI::IsMember({"yes", "no", "cancel"}, CLI::ignore_case));
     cli.add_flag("--no-backup", options.noBackup, "no copies before the first write");
+    cli.add_option(
+        "--restore", options.restore,
+        "DIR or its name: undo the run that made this copy; with --dry-run only show it");
+    cli.add_option("--only", options.only,
+                   "with --restore: phone, organizer, or the name of one entry's file or its UID");
+    cli.add_flag("--list-backups", options.listBackups, "the copies there are, newest first");
     cli.add_option("--max-remove", limit,
                    "stop before the first write when more than N (or all) would be removed");
     cli.add_flag("--quiet", options.quiet, "failures only");
@@ -129,6 +137,24 @@ std::optional<std::string> takeLimit(const std::string& limit, Options& options)
         return "--max-remove " + limit + ": a number or \"all\" is needed";
     }
     options.maxRemove = std::stoll(limit);
+    return std::nullopt;
+}
+
+/// The way back is a command of its own: what stands beside it must not be taken for a run.
+std::optional<std::string> commandsThatClash(const Options& options) {
+    if (!options.only.empty() && !options.restore) {
+        return "--only goes with --restore DIR";
+    }
+    if (options.restore && options.listBackups) {
+        return "--restore and --list-backups are two commands; give one";
+    }
+    if ((options.restore || options.listBackups) && (!options.words.empty() || options.inspect)) {
+        return std::string(options.restore ? "--restore" : "--list-backups") +
+               " is a command of its own: no words and no --inspect beside it";
+    }
+    if (options.restore && options.restore->empty()) {
+        return "--restore needs the directory of a copy; --list-backups shows them";
+    }
     return std::nullopt;
 }
 
@@ -192,6 +218,9 @@ Parsed parseOptions(const std::vector<std::string>& arguments) {
         if (problem) {
             return usage(*problem);
         }
+    }
+    if (const auto problem = commandsThatClash(parsed.options)) {
+        return usage(*problem);
     }
     if (parsed.options.inspect && parsed.options.files.empty()) {
         return usage("--inspect needs at least one file");

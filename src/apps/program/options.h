@@ -23,7 +23,10 @@ struct Options {
     bool acceptEmptyPhone = false;
     std::string answer; ///< yes, no or cancel; empty: the one that changes nothing
     bool noBackup = false;
-    std::int64_t maxRemove = -1; ///< negative: all
+    std::int64_t maxRemove = -1;        ///< negative: all
+    std::optional<std::string> restore; ///< the copy to go back to
+    std::string only;                   ///< phone, organizer or an entry's name; empty: all
+    bool listBackups = false;
     bool quiet = false;
     bool verbose = false;
     std::vector<std::string> words;

@@ -25,13 +25,18 @@ struct RunFacts {
     std::string organizer;
     std::vector<ReportedFailure> failures;
     ExitStatus exit = ExitStatus::done;
+    /// The copy made before the first write; empty when there is none.
+    std::string backup;
 };
 
 /// The JSON document of a run, one line.
 void writeJson(std::ostream& out, const RunFacts& facts);
 
-/// The summary, one line per transferred row, the notes. Lines end in LF.
-void writeSummary(std::ostream& out);
+/// The summary, one line per transferred row, the notes, the copy. Lines end in LF.
+void writeSummary(std::ostream& out, const std::string& backup);
+
+/// The line that names the copy of a run and how to use it; empty without one.
+std::string backupLine(const std::string& backup);
 
 /// One failure as a line: number, description, file and line.
 std::string failureLine(const ReportedFailure& failure);

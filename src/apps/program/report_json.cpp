@@ -1,21 +1,12 @@
-#include "apps/program/report.h"
-
+#include "apps/program/json_rows.h"
 #include "core/state.h"
 #include "log/log_model.h"
-
-#include <nlohmann/json.hpp>
 
 #include <ostream>
 
 namespace tandolin::program {
 
 namespace {
-
-using Json = nlohmann::ordered_json;
-
-Json orNull(const Text& text) {
-    return text.empty() ? Json() : Json(toUtf8(text));
-}
 
 Json calendarRows() {
     Json rows = Json::array();
@@ -29,19 +20,6 @@ Json calendarRows() {
                         {"Typ", toUtf8(log[callog::Typ])},
                         {"Error", log[callog::Error] == tr(ids::kYes)},
                         {"ErrorDesc", toUtf8(log[callog::ErrorDesc])}});
-    }
-    return rows;
-}
-
-Json failureRows(const std::vector<ReportedFailure>& failures) {
-    Json rows = Json::array();
-    for (const ReportedFailure& failure : failures) {
-        rows.push_back({{"ErrorNum", toUtf8(failure.number)},
-                        {"ErrorDesc", toUtf8(failure.description)},
-                        {"Modul", toUtf8(failure.module)},
-                        {"Proc", toUtf8(failure.proc)},
-                        {"File", orNull(failure.file)},
-                        {"Line", failure.line > 0 ? Json(failure.line) : Json()}});
     }
     return rows;
 }
@@ -60,6 +38,27 @@ Json noteRows() {
 
 } // namespace
 
+Json orNull(const std::string& text) {
+    return text.empty() ? Json() : Json(text);
+}
+
+Json failureRows(const std::vector<ReportedFailure>& failures) {
+    Json rows = Json::array();
+    for (const ReportedFailure& failure : failures) {
+        rows.push_back({{"ErrorNum", toUtf8(failure.number)},
+                        {"ErrorDesc", toUtf8(failure.description)},
+                        {"Modul", toUtf8(failure.module)},
+                        {"Proc", toUtf8(failure.proc)},
+                        {"File", orNull(toUtf8(failure.file))},
+                        {"Line", failure.line > 0 ? Json(failure.line) : Json()}});
+    }
+    return rows;
+}
+
+void writeDocument(std::ostream& out, const Json& document) {
+    out << document.dump(-1, ' ', false, Json::error_handler_t::replace) << '\n';
+}
+
 void writeJson(std::ostream& out, const RunFacts& facts) {
     const TransferCounts counts = countTransfers();
     const Json document{{"mode", app.settings.SyncTyp},
@@ -77,12 +76,12 @@ void writeJson(std::ostream& out, const RunFacts& facts) {
                         {"transferErrors", app.log.LogTransferFehler},
                         {"programErrors", facts.failures.size()},
                         {"exit", static_cast<int>(facts.exit)},
-                        {"backup", nullptr},
+                        {"backup", orNull(facts.backup)},
                         {"calendar", calendarRows()},
                         {"contacts", Json::array()},
                         {"errors", failureRows(facts.failures)},
                         {"notes", noteRows()}};
-    out << document.dump(-1, ' ', false, Json::error_handler_t::replace) << '\n';
+    writeDocument(out, document);
 }
 
 } // namespace tandolin::program

@@ -1,9 +1,13 @@
 #include "apps/program/run.h"
 
 #include "apps/command_line.h"
+#include "apps/program/backups.h"
+#include "apps/program/copies.h"
 #include "apps/program/inspect.h"
 #include "apps/program/report.h"
+#include "apps/program/restore.h"
 #include "apps/program/stores.h"
+#include "apps/program/user_directories.h"
 #include "apps/start_up.h"
 #include "core/state.h"
 #include "core/trap.h"
@@ -21,8 +25,8 @@
 
 #include <algorithm>
 #include <array>
-#include <cstdlib>
 #include <filesystem>
+#include <optional>
 #include <ostream>
 
 namespace tandolin::program {
@@ -33,16 +37,6 @@ namespace fs = std::filesystem;
 
 constexpr const char* kNoWindow = "There is no window in this version: give a word, such as VCAL.";
 constexpr const char* kMachineSettings = "/etc/halverntandolin/settings.toml";
-
-/// A directory of the user by the base directory rules: the variable, else below the home.
-fs::path userDirectory(const char* variable, const char* below) {
-    const char* named = std::getenv(variable);
-    if (named != nullptr && *named == '/') {
-        return fs::path(named) / "halverntandolin";
-    }
-    const char* home = std::getenv("HOME");
-    return fs::path(home != nullptr && *home != '\0' ? home : "/") / below / "halverntandolin";
-}
 
 /// Language files of the installation, or of the build that the program lies in.
 std::vector<fs::path> languageDirectories() {
@@ -125,8 +119,7 @@ public:
                   : options.verbose ? platform::Chatter::verbose
                                     : platform::Chatter::normal,
                   options.answer),
-          languages_(languageDirectories()),
-          lock_(userDirectory("XDG_STATE_HOME", ".local/state")) {
+          languages_(languageDirectories()), lock_(stateDirectory()) {
         app = {};
         tables.clearAll();
         app.ports.settings = &settings_;
@@ -210,10 +203,10 @@ private:
     platform::HomeDirectory files_;
 };
 
-void connectStores(Stores& stores, const Around& around) {
-    app.ports.makePhoneServer = [make = stores.makePhone, around = around.phone] {
+void connectStores(Stores& stores, Copies& copies, const Around& around) {
+    app.ports.makePhoneServer = [make = stores.makePhone, around = around.phone, &copies] {
         auto phone = make();
-        return around ? around(std::move(phone)) : std::move(phone);
+        return copies.recorded(around ? around(std::move(phone)) : std::move(phone));
     };
     app.ports.makeOrganizer = [make = stores.makeOrganizer, around = around.organizer] {
         auto organizer = make();
@@ -236,7 +229,7 @@ int report(const Options& options, RunFacts facts, std::ostream& out) {
     if (options.json) {
         writeJson(out, facts);
     } else if (!options.quiet && !isKill(options)) {
-        writeSummary(out);
+        writeSummary(out, facts.backup);
     }
     out.flush();
     if (!out) {
@@ -260,7 +253,9 @@ int silentRun(const std::string& programPath, const std::vector<std::string>& ar
     const bool loaded = wiring.loadSettings();
     const auto phone = wiring.connection(options.phone, u"phone");
     const auto organizer = wiring.connection(options.organizer, u"organizer");
-    Stores stores = openStores(phone, organizer, options.dryRun, wiring.clock());
+    Stores stores;
+    Copies copies(!options.dryRun && !options.noBackup, stores, wiring.clock());
+    stores = openStores(phone, organizer, options.dryRun, wiring.clock(), copies.observer());
     if (stores.problem) {
         errors << *stores.problem << '\n';
         return 2;
@@ -270,8 +265,9 @@ int silentRun(const std::string& programPath, const std::vector<std::string>& ar
                << '\n';
     }
     if (loaded) {
-        connectStores(stores, around);
+        connectStores(stores, copies, around);
         Main();
+        copies.finish();
     } else {
         LogInitlogSummaryform();
     }
@@ -280,7 +276,10 @@ int silentRun(const std::string& programPath, const std::vector<std::string>& ar
         return static_cast<int>(ExitStatus::usage);
     }
     wiring.closeScreen();
-    return report(options, {phone.value_or(""), organizer.value_or(""), {}, ExitStatus::done}, out);
+    return report(
+        options,
+        {phone.value_or(""), organizer.value_or(""), {}, ExitStatus::done, copies.directory()},
+        out);
 }
 
 } // namespace
@@ -298,6 +297,12 @@ int runProgram(const std::string& programPath, const std::vector<std::string>& a
     }
     if (options.inspect) {
         return inspect(options.files, options.emit, out, errors);
+    }
+    if (options.listBackups) {
+        return listBackups(options, out, errors);
+    }
+    if (options.restore) {
+        return restoreRun(options, out, errors);
     }
     if (const auto status = endsAtOnce(options, errors)) {
         return *status;

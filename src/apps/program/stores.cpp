@@ -1,9 +1,12 @@
 #include "apps/program/stores.h"
 
+#include "platform/organizer_folder/folder_files.h"
 #include "platform/organizer_folder/folder_organizer.h"
+#include "platform/phone_directory/directory_phone_files.h"
 #include "platform/phone_directory/phone_directory.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <map>
 #include <string_view>
 #include <vector>
@@ -59,6 +62,13 @@ std::function<std::unique_ptr<Side>()> absent(const char16_t* reason) {
         [reason]() -> std::unique_ptr<Side> { throw Failure(failure_number::kNotFound, reason); };
 }
 
+/// The URI with its target as an absolute path.
+std::string absoluteUri(const std::string& text, const Uri& uri) {
+    const std::string path =
+        std::filesystem::absolute(uri.target).lexically_normal().generic_string();
+    return uri.kind + ':' + path + text.substr(uri.kind.size() + 1 + uri.target.size());
+}
+
 void usePhone(Stores& stores, const std::string& text, bool dryRun) {
     const Uri uri = split(text);
     if (uri.kind.starts_with("obex+")) {
@@ -69,10 +79,15 @@ void usePhone(Stores& stores, const std::string& text, bool dryRun) {
         stores.makePhone = [path = uri.target, dryRun] {
             return std::make_unique<platform::DirectoryPhone>(path, dryRun);
         };
+        stores.phoneFiles = [path = uri.target](PhoneServer& phone) {
+            return std::make_unique<platform::DirectoryPhoneFiles>(path, phone);
+        };
+        stores.phone = absoluteUri(text, uri);
     }
 }
 
-void useOrganizer(Stores& stores, const std::string& text, bool dryRun, const Clock& clock) {
+void useOrganizer(Stores& stores, const std::string& text, bool dryRun, const Clock& clock,
+                  ChangeObserver* changes) {
     const Uri uri = split(text);
     if (text == "none") {
         stores.makeOrganizer = absent<Organizer>(u"The run was asked to go without an organizer");
@@ -84,6 +99,7 @@ void useOrganizer(Stores& stores, const std::string& text, bool dryRun, const Cl
         platform::FolderOrganizerOptions options;
         options.root = uri.target;
         options.dryRun = dryRun;
+        options.changes = changes;
         if (uri.keys.contains("calendar")) {
             options.calendarDir = uri.keys.at("calendar");
         }
@@ -93,13 +109,18 @@ void useOrganizer(Stores& stores, const std::string& text, bool dryRun, const Cl
         stores.makeOrganizer = [options, &clock] {
             return std::make_unique<platform::FolderOrganizer>(options, clock);
         };
+        stores.organizerFiles = [options] {
+            return std::make_unique<platform::FolderFiles>(options);
+        };
+        stores.organizer = absoluteUri(text, uri);
     }
 }
 
 } // namespace
 
 Stores openStores(const std::optional<std::string>& phoneUri,
-                  const std::optional<std::string>& organizerUri, bool dryRun, const Clock& clock) {
+                  const std::optional<std::string>& organizerUri, bool dryRun, const Clock& clock,
+                  ChangeObserver* changes) {
     Stores stores;
     stores.makePhone = absent<PhoneServer>(
         u"No phone is named: use --phone dir:PATH, or phone in [connection] of the settings");
@@ -110,7 +131,7 @@ Stores openStores(const std::optional<std::string>& phoneUri,
         usePhone(stores, *phoneUri, dryRun);
     }
     if (organizerUri && !stores.problem) {
-        useOrganizer(stores, *organizerUri, dryRun, clock);
+        useOrganizer(stores, *organizerUri, dryRun, clock, changes);
     }
     return stores;
 }
