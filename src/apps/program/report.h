@@ -32,8 +32,8 @@ struct RunFacts {
 /// The JSON document of a run, one line.
 void writeJson(std::ostream& out, const RunFacts& facts);
 
-/// The summary, one line per transferred row, the notes, the copy. Lines end in LF.
-void writeSummary(std::ostream& out, const std::string& backup);
+/// The summary, one line per transferred row, the notes. Lines end in LF.
+void writeSummary(std::ostream& out);
 
 /// The line that names the copy of a run and how to use it; empty without one.
 std::string backupLine(const std::string& backup);

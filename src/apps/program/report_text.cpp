@@ -18,7 +18,7 @@ std::string withLineFeeds(TextView text) {
 
 } // namespace
 
-void writeSummary(std::ostream& out, const std::string& backup) {
+void writeSummary(std::ostream& out) {
     out << withLineFeeds(app.log.summary) << "\n\n";
     Table<CalendarLog>& log = logTables.calendar;
     for (log.MoveFirst(); !log.atEnd(); log.MoveNext()) {
@@ -34,7 +34,6 @@ void writeSummary(std::ostream& out, const std::string& backup) {
         out << toUtf8(note.kind) << ": " << toUtf8(note.side) << ' ' << toUtf8(note.file) << ' '
             << (note.text.empty() ? "" : toUtf8(note.text) + ": ") << toUtf8(note.reason) << '\n';
     }
-    out << backupLine(backup);
 }
 
 std::string backupLine(const std::string& backup) {

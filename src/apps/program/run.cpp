@@ -229,7 +229,8 @@ int report(const Options& options, RunFacts facts, std::ostream& out) {
     if (options.json) {
         writeJson(out, facts);
     } else if (!options.quiet && !isKill(options)) {
-        writeSummary(out, facts.backup);
+        writeSummary(out);
+        *listening.errors << backupLine(facts.backup);
     }
     out.flush();
     if (!out) {

@@ -59,7 +59,7 @@ void addCards(const fs::path& directory, std::vector<std::string>& names) {
 } // namespace
 
 std::vector<std::string> FolderFiles::entries(EntryKinds kinds) {
-    const CalendarDirectory directory(options_.root, options_.calendarDir);
+    CalendarDirectory directory(options_.root, options_.calendarDir);
     directory.checkOpen();
     std::vector<std::string> names;
     if (kinds.calendar) {
