@@ -100,21 +100,19 @@ bool isDigit(char16_t c) {
 
 } // namespace
 
-// Most texts are ASCII from end to end: they are widened and narrowed in one go.
+// Most characters are ASCII: their runs are widened and narrowed in one go.
 
 Text fromUtf8(std::string_view bytes) {
-    const auto ascii = std::ranges::find_if(
-        bytes, [](char byte) { return static_cast<unsigned char>(byte) >= 0x80; });
-    Text text(bytes.begin(), ascii);
-    if (ascii == bytes.end()) {
-        return text;
-    }
+    const auto isAscii = [](char byte) { return static_cast<unsigned char>(byte) < 0x80; };
+    Text text;
     text.reserve(bytes.size());
-    for (std::size_t i = text.size(); i < bytes.size();) {
-        if (const auto byte = static_cast<unsigned char>(bytes[i]); byte < 0x80) {
-            text += static_cast<char16_t>(byte);
-            ++i;
-            continue;
+    for (std::size_t i = 0; i < bytes.size();) {
+        const auto run =
+            std::find_if_not(bytes.begin() + static_cast<std::ptrdiff_t>(i), bytes.end(), isAscii);
+        text.append(bytes.begin() + static_cast<std::ptrdiff_t>(i), run);
+        i = static_cast<std::size_t>(run - bytes.begin());
+        if (i == bytes.size()) {
+            break;
         }
         const Decoded one = decodeOne(bytes, i);
         if (one.codePoint >= 0x10000) {
@@ -129,26 +127,28 @@ Text fromUtf8(std::string_view bytes) {
 }
 
 std::string toUtf8(TextView text) {
-    const auto ascii = std::ranges::find_if(text, [](char16_t unit) { return unit >= 0x80; });
-    std::string bytes(static_cast<std::size_t>(ascii - text.begin()), '\0');
-    std::ranges::transform(text.begin(), ascii, bytes.begin(),
-                           [](char16_t unit) { return static_cast<char>(unit); });
-    if (ascii == text.end()) {
-        return bytes;
-    }
-    bytes.reserve(text.size() * 2);
+    std::string bytes;
+    bytes.reserve(text.size() + text.size() / 8);
     const auto put = [&](char32_t value) { bytes += static_cast<char>(value); };
-    for (std::size_t i = bytes.size(); i < text.size(); ++i) {
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const std::size_t begin = bytes.size();
+        const auto run = std::find_if(text.begin() + static_cast<std::ptrdiff_t>(i), text.end(),
+                                      [](char16_t unit) { return unit >= 0x80; });
+        const auto end = static_cast<std::size_t>(run - text.begin());
+        bytes.resize(begin + end - i);
+        std::transform(text.begin() + static_cast<std::ptrdiff_t>(i), run,
+                       bytes.begin() + static_cast<std::ptrdiff_t>(begin),
+                       [](char16_t unit) { return static_cast<char>(unit); });
+        i = end;
+        if (i == text.size()) {
+            break;
+        }
         char32_t value = text[i];
         if (value >= 0xD800 && value <= 0xDFFF) {
             const bool pair = value < 0xDC00 && i + 1 < text.size() && text[i + 1] >= 0xDC00 &&
                               text[i + 1] <= 0xDFFF;
             value =
                 pair ? 0x10000 + ((value - 0xD800) << 10U) + (text[++i] - 0xDC00U) : kReplacement;
-        }
-        if (value < 0x80) {
-            put(value);
-            continue;
         }
         const unsigned following = value < 0x800 ? 1 : value < 0x10000 ? 2 : 3;
         constexpr char32_t kLead[] = {0, 0xC0, 0xE0, 0xF0};

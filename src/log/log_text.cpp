@@ -6,6 +6,7 @@
 #include "log/log_model.h"
 
 #include <span>
+#include <vector>
 
 namespace tandolin {
 
@@ -22,12 +23,30 @@ Text shownDate(Date date) {
     return timeOfDay(date) == Date{0} ? formatDate(date) : formatDate(date) + u" " + isoTime(date);
 }
 
-void appendCell(Text& block, const Row& row, std::span<const FieldSpec> fields, std::size_t i) {
+/// The dates of one column: a run transfers hundreds of entries in one second, and one below the
+/// other often have one day.
+class ShownDates {
+public:
+    const Text& of(Date date) {
+        if (text_.empty() || date != date_) {
+            date_ = date;
+            text_ = shownDate(date);
+        }
+        return text_;
+    }
+
+private:
+    Date date_;
+    Text text_;
+};
+
+void appendCell(Text& block, const Row& row, std::span<const FieldSpec> fields, std::size_t i,
+                ShownDates& dates) {
     if (row.isNull(i)) {
         return;
     }
     if (fields[i].type == CellType::date) {
-        block += shownDate(Date{row.real(i)});
+        block += dates.of(Date{row.real(i)});
     } else {
         block += row.text(i);
     }
@@ -42,10 +61,11 @@ Text blockOf(TableCore& table, std::span<const LogColumn> columns) {
         block.append(tr(column.title)).append(u"\t");
     }
     block += kLineBreak;
+    std::vector<ShownDates> dates(columns.size());
     const KeepPosition keep(table);
     for (table.MoveFirst(); !table.atEnd(); table.MoveNext()) {
         for (std::size_t i = 0; i < columns.size(); ++i) {
-            appendCell(block, table.row(), table.fields(), i);
+            appendCell(block, table.row(), table.fields(), i, dates[i]);
             block += u'\t';
         }
         block += kLineBreak;

@@ -18,6 +18,11 @@ void addNote(TextView kind, TextView side, TextView file, TextView text, Text re
 } // namespace
 
 void noteLossesOnPhone(const Table<Calendar>& row) {
+    const Text cut = textLossOnPhone(row);
+    if (cut.empty() && !row[cal::IsRecurring] && !row[cal::Alarm] &&
+        row[cal::PIMRecPatt] == Date{0}) {
+        return; // most entries lose nothing, and the store need not be asked
+    }
     // What a store cannot tell is not noted; the text is known all the same.
     const AppointmentFacts item =
         calendarFolderInUse().FactsOf(row[cal::UID]).value_or(AppointmentFacts{});
@@ -25,7 +30,7 @@ void noteLossesOnPhone(const Table<Calendar>& row) {
         addNote(kind, u"organizer", item.File, row[cal::Text], std::move(reason));
     };
     note(u"series", seriesLossOnPhone(item, row[cal::Start]));
-    note(u"cut", textLossOnPhone(row));
+    note(u"cut", cut);
     note(u"alarm", alarmLossOnPhone(item));
 }
 

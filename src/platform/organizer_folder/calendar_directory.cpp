@@ -11,7 +11,6 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <memory>
 
 namespace tandolin::platform {
 
@@ -45,10 +44,6 @@ bool isWithin(const fs::path& path, const fs::path& folder) {
     const auto [end, ignored] = std::ranges::mismatch(folder, path);
     return end == folder.end();
 }
-
-struct CloseDirectory {
-    void operator()(DIR* directory) const { ::closedir(directory); }
-};
 
 } // namespace
 
@@ -88,43 +83,35 @@ void CalendarDirectory::checkOpen() const {
     }
 }
 
+void CalendarDirectory::failAsOrganizer(Failure& failure) const {
+    failure.Number = failure_number::kOrganizer;
+    failure.File = fromUtf8(labelFolder_);
+}
+
 void CalendarDirectory::open() {
     try {
         opened_ = OpenDirectory(directory_);
     } catch (Failure& failure) {
-        failure.Number = failure_number::kOrganizer;
-        failure.File = fromUtf8(labelFolder_);
+        failAsOrganizer(failure);
         throw;
     }
 }
 
 std::vector<std::string> CalendarDirectory::names() {
     open();
-    const std::unique_ptr<DIR, CloseDirectory> opened(::opendir(directory_.c_str()));
-    if (!opened) {
-        refuse(errno, directory_, fromUtf8(labelFolder_));
-    }
     std::vector<std::string> names;
-    for (;;) {
-        errno = 0;
-        const dirent* entry = ::readdir(opened.get());
-        if (entry == nullptr) {
-            break;
-        }
-        std::string name = entry->d_name;
-        if (!isCalendarName(name)) {
-            continue;
-        }
-        bool wanted = entry->d_type == DT_REG;
-        if (entry->d_type == DT_LNK || entry->d_type == DT_UNKNOWN) {
-            wanted = staysInside(name);
-        }
-        if (wanted) {
-            names.push_back(std::move(name));
-        }
-    }
-    if (errno != 0) {
-        refuse(errno, directory_, fromUtf8(labelFolder_));
+    try {
+        opened_.eachEntry([&](const char* name, unsigned char kind) {
+            const bool wanted =
+                isCalendarName(name) &&
+                (kind == DT_REG || ((kind == DT_LNK || kind == DT_UNKNOWN) && staysInside(name)));
+            if (wanted) {
+                names.emplace_back(name);
+            }
+        });
+    } catch (Failure& failure) {
+        failAsOrganizer(failure);
+        throw;
     }
     std::ranges::sort(names);
     return names;

@@ -2,6 +2,7 @@
 
 // The directory of the calendar files: listing, reading, and what tells that a file was changed.
 
+#include "core/failure.h"
 #include "core/text.h"
 #include "platform/system_posix/open_directory.h"
 
@@ -63,6 +64,7 @@ public:
     [[nodiscard]] const OpenDirectory& opened() const { return opened_; }
 
 private:
+    void failAsOrganizer(Failure& failure) const;
     [[nodiscard]] bool staysInside(const std::string& name) const;
 
     std::filesystem::path root_;

@@ -6,7 +6,6 @@ namespace tandolin::ical {
 
 namespace {
 
-constexpr std::size_t kFoldAt = 75;
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 
 char lower(char c) {

@@ -50,6 +50,9 @@ std::string_view propertyValue(std::string_view text);
 /// The value of a parameter without its quotes; empty when it is absent.
 std::string_view parameterOf(std::string_view text, std::string_view name);
 
+/// Bytes of a line at most, its end not counted.
+inline constexpr std::size_t kFoldAt = 75;
+
 /// The line cut into pieces of at most 75 bytes, never within a UTF-8 character, with line ends.
 std::string foldedLine(std::string_view text, std::string_view lineEnd);
 /// Several lines, each ended by LF in `texts`, as they go into a file.

@@ -15,7 +15,11 @@ constexpr std::string_view kProgram = "-//Halvern//HalvernTandolin//DE";
 class Composer {
 public:
     void line(std::string_view name, std::string_view value) {
-        bytes_ += foldedLine(std::string(name).append(":").append(value), kLineEnd);
+        if (name.size() + 1 + value.size() <= kFoldAt) {
+            bytes_.append(name).append(":").append(value).append(kLineEnd);
+        } else {
+            bytes_ += foldedLine(std::string(name).append(":").append(value), kLineEnd);
+        }
     }
 
     /// What is folded and ended already.

@@ -2,6 +2,7 @@
 
 #include "core/trap.h"
 
+#include <dirent.h>
 #include <sys/stat.h>
 
 #include <cerrno>
@@ -238,29 +239,24 @@ void ObjectFolder::readNames() {
     }
     refuseUnless(found == Found::directory, u"is no directory or leads out of the store");
     opened_ = OpenDirectory(folder_);
-    std::error_code error;
-    fs::directory_iterator entry(folder_, error);
-    for (; !error && entry != fs::directory_iterator(); entry.increment(error)) {
-        const std::string name = entry->path().filename().native();
-        const std::optional<int> number = objectNumber(name, kind_.extension);
-        if (!number) {
-            continue;
+    opened_.eachEntry([this](const char* name, unsigned char kind) {
+        if (const std::optional<int> number = objectNumber(name, kind_.extension)) {
+            addName(*number, name, kind == DT_REG);
         }
-        // The listing knows the kind of plain files; asking once more would cost a call for each.
-        const bool plain = entry->symlink_status().type() == fs::file_type::regular;
-        if (!plain && look(entry->path(), kind_.root) != Found::file) {
-            blocked_.insert(*number);
-            continue;
-        }
-        if (const auto [other, isNew] = names_.try_emplace(*number, name); !isNew) {
-            throw folderFailure(failure_number::kServerFailed, folder_,
-                                u"holds " + fromUtf8(std::min(other->second, name)) + u" and " +
-                                    fromUtf8(std::max(other->second, name)) +
-                                    u": two files of one number; remove or rename one of them");
-        }
+    });
+}
+
+void ObjectFolder::addName(int number, const std::string& name, bool plain) {
+    // The listing knows the kind of plain files; asking once more would cost a call for each.
+    if (!plain && look(folder_ / name, kind_.root) != Found::file) {
+        blocked_.insert(number);
+        return;
     }
-    if (error) {
-        throw failureOfErrno(error.value(), folder_, u"cannot read");
+    if (const auto [other, isNew] = names_.try_emplace(number, name); !isNew) {
+        throw folderFailure(failure_number::kServerFailed, folder_,
+                            u"holds " + fromUtf8(std::min(other->second, name)) + u" and " +
+                                fromUtf8(std::max(other->second, name)) +
+                                u": two files of one number; remove or rename one of them");
     }
 }
 

@@ -82,6 +82,7 @@ private:
 
     void refresh();
     void readNames();
+    void addName(int number, const std::string& name, bool plain);
     void refreshOnce();
     void forget(int number);
     void store(int number, std::string_view bytes, const std::string& fileName);

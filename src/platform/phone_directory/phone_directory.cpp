@@ -41,7 +41,7 @@ PXDStream streamOf(std::optional<std::string> bytes) {
 } // namespace
 
 DirectoryPhone::DirectoryPhone(fs::path root, bool dryRun)
-    : root_(std::move(root)), dryRun_(dryRun),
+    : root_(std::move(root)), telecom_(root_ / "telecom"), dryRun_(dryRun),
       calendar_(
           {.root = root_, .name = "cal", .extension = "vcs", .hasSlots = true, .dryRun = dryRun}),
       phoneBook_(
@@ -53,7 +53,7 @@ DirectoryPhone::~DirectoryPhone() {
 }
 
 void DirectoryPhone::requireStore() const {
-    if (look(root_ / "telecom", root_) != Found::directory) {
+    if (look(telecom_, root_) != Found::directory) {
         throw Failure(failure_number::kServerFailed,
                       fromUtf8(root_.native()) +
                           u" has no folder telecom; name the folder that holds it, or make an "
@@ -136,7 +136,7 @@ PXDStream DirectoryPhone::readRoot(const std::string& name) {
     if (!sameName(name, kDeviceInfo)) {
         return streamOf(std::nullopt);
     }
-    const fs::path file = root_ / "telecom" / kDeviceInfo;
+    const fs::path file = telecom_ / kDeviceInfo;
     switch (look(file, root_)) {
     case Found::nothing:
         return streamOf(madeUpDeviceInfo());
@@ -190,7 +190,7 @@ void DirectoryPhone::beforeChange() {
     }
     calendar_.makeMissing();
     phoneBook_.makeMissing();
-    const fs::path device = root_ / "telecom" / kDeviceInfo;
+    const fs::path device = telecom_ / kDeviceInfo;
     if (look(device, root_) == Found::nothing) {
         replaceFile(device, madeUpDeviceInfo(), 0, Flush::later);
     }
@@ -204,7 +204,7 @@ void DirectoryPhone::flush() {
         }
         calendar_.saveInfoLog();
         phoneBook_.saveInfoLog();
-        syncFileSystem(root_ / "telecom");
+        syncFileSystem(telecom_);
         changed_ = false;
     });
 }

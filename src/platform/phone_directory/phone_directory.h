@@ -53,6 +53,7 @@ private:
     void beforeChange();
 
     std::filesystem::path root_;
+    std::filesystem::path telecom_;
     bool dryRun_;
     bool changed_ = false;
     bool complete_ = false;

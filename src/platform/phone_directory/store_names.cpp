@@ -6,7 +6,6 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
-#include <vector>
 
 namespace tandolin::platform {
 
@@ -33,20 +32,12 @@ bool isPlainName(TextView name) {
     throw Failure(failure_number::kAccessDenied, u"The name leads out of the store: " + shown);
 }
 
-std::optional<StorePlace> placeOf(const std::vector<Text>& parts) {
-    if (parts.size() < 3 || !parts.front().empty() || !sameText(parts[1], u"telecom")) {
-        return std::nullopt;
-    }
-    if (parts.size() == 3) {
-        return StorePlace::root;
-    }
-    if (parts.size() == 4 && sameText(parts[2], u"cal")) {
-        return StorePlace::calendar;
-    }
-    if (parts.size() == 4 && sameText(parts[2], u"pb")) {
-        return StorePlace::phoneBook;
-    }
-    return std::nullopt;
+/// Takes the part up to the next backslash off the path.
+TextView takePart(TextView& path) {
+    const std::size_t end = std::min(path.find(u'\\'), path.size());
+    const TextView part = path.substr(0, end);
+    path.remove_prefix(std::min(end + 1, path.size()));
+    return part;
 }
 
 bool liesBelow(const fs::path& path, const fs::path& root) {
@@ -57,12 +48,22 @@ bool liesBelow(const fs::path& path, const fs::path& root) {
 } // namespace
 
 StorePath storePathOf(TextView path) {
-    const std::vector<Text> parts = split(path, u"\\");
-    const std::optional<StorePlace> place = placeOf(parts);
-    if (!place || !isPlainName(parts.back())) {
+    TextView rest = path;
+    if (!rest.starts_with(u'\\') || (takePart(rest), !sameText(takePart(rest), u"telecom"))) {
         refusePath(path);
     }
-    return {*place, toUtf8(parts.back())};
+    StorePlace place = StorePlace::root;
+    if (rest.find(u'\\') != TextView::npos) {
+        const TextView folder = takePart(rest);
+        if (!sameText(folder, u"cal") && !sameText(folder, u"pb")) {
+            refusePath(path);
+        }
+        place = sameText(folder, u"cal") ? StorePlace::calendar : StorePlace::phoneBook;
+    }
+    if (!isPlainName(rest)) {
+        refusePath(path);
+    }
+    return {place, toUtf8(rest)};
 }
 
 std::optional<int> objectNumber(std::string_view fileName, std::string_view extension) {

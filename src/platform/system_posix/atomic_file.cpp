@@ -160,9 +160,6 @@ unsigned fileModeMask() {
     return mask;
 }
 
-OpenDirectory::OpenDirectory(fs::path path)
-    : path_(std::move(path)), opened_(openForReading({}, path_.native(), O_DIRECTORY)) {}
-
 void replaceFile(const OpenDirectory& directory, const std::string& name, std::string_view bytes,
                  unsigned mode, Flush flush) {
     const unsigned wanted = modeToUse(directory, name, mode);

@@ -30,6 +30,9 @@ public:
 
     [[nodiscard]] bool isOpen() const { return number_ >= 0; }
 
+    /// The file now belongs to somebody else.
+    int release() { return std::exchange(number_, -1); }
+
     /// False when the system tells of a failure (a network file system may tell only now).
     /// The number is gone even then, so an interrupted close is never repeated.
     bool close() {

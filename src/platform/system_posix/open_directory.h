@@ -5,6 +5,7 @@
 #include <fcntl.h>
 
 #include <filesystem>
+#include <functional>
 #include <string>
 
 namespace tandolin::platform {
@@ -22,6 +23,10 @@ public:
     [[nodiscard]] int descriptor() const { return opened_.isOpen() ? opened_.get() : AT_FDCWD; }
 
     [[nodiscard]] bool isOpen() const { return opened_.isOpen(); }
+
+    /// Calls `each` with the name and the kind (DT_REG ...) of every entry but "." and "..", in no
+    /// order. Throws what `failureOfErrno` makes.
+    void eachEntry(const std::function<void(const char* name, unsigned char kind)>& each) const;
 
     [[nodiscard]] std::filesystem::path pathOf(const std::string& name) const {
         return path_ / name;
