@@ -1,8 +1,9 @@
-// bench_bare first WORLD AFTER | bench_bare again WORLD: what a run cannot do without. It lists and
-// reads every file of both sides of WORLD; with `first` it then writes the files that AFTER, the
-// world after a run of the program, has more, in the program's way: under a temporary name,
-// renamed, and one flush of the file system at the end. Prints the milliseconds of that; the bytes
-// to write are fetched before the clock starts.
+// bench_bare first WORLD AFTER | bench_bare copied WORLD AFTER COPY | bench_bare again WORLD: what
+// a run cannot do without. It lists and reads every file of both sides of WORLD; with `copied` it
+// writes each file that it read to COPY; with `first` and `copied` it then writes the files that
+// AFTER, the world after a run of the program, has more, in the program's way: under a temporary
+// name, renamed, and one flush of the file system at the end. Prints the milliseconds of that; the
+// bytes to write are fetched before the clock starts.
 
 #include <chrono>
 #include <cstring>
@@ -72,6 +73,25 @@ void write(const std::string& folder, const std::string& name, std::string_view 
     }
 }
 
+void makeFolders(const std::string& path) {
+    for (std::size_t end = path.find('/', 1); end != std::string::npos;
+         end = path.find('/', end + 1)) {
+        ::mkdir(path.substr(0, end).c_str(), 0700);
+    }
+    if (::mkdir(path.c_str(), 0700) != 0 && errno != EEXIST) {
+        stop(path);
+    }
+}
+
+void writeCopy(const std::string& file, std::string_view bytes) {
+    const int descriptor = ::open(file.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
+    if (descriptor < 0 ||
+        ::write(descriptor, bytes.data(), bytes.size()) != static_cast<ssize_t>(bytes.size())) {
+        stop(file);
+    }
+    ::close(descriptor);
+}
+
 using Files = std::vector<std::pair<std::string, std::string>>;
 
 /// What `after` has more than `before`, with its bytes.
@@ -104,12 +124,23 @@ double processorTime() {
 }
 
 /// Returns the number of bytes read, so that reading cannot be left out.
-std::size_t bareRun(const std::string& world, const std::vector<Files>& toWrite) {
+std::size_t bareRun(const std::string& world, const std::vector<Files>& toWrite,
+                    const std::string& copy) {
     std::size_t bytes = 0;
     for (const char* folder : kFolders) {
-        for (const std::string& name : list(world + folder)) {
-            bytes += read(world + folder + '/' + name).size();
+        if (!copy.empty()) {
+            makeFolders(copy + folder);
         }
+        for (const std::string& name : list(world + folder)) {
+            const std::string content = read(world + folder + '/' + name);
+            bytes += content.size();
+            if (!copy.empty()) {
+                writeCopy(copy + folder + '/' + name, content);
+            }
+        }
+    }
+    if (!copy.empty()) {
+        flush(copy);
     }
     for (std::size_t side = 0; side < toWrite.size(); ++side) {
         for (const auto& [name, content] : toWrite[side]) {
@@ -124,21 +155,22 @@ std::size_t bareRun(const std::string& world, const std::vector<Files>& toWrite)
 
 int main(int argc, char** argv) {
     const std::string_view kind = argc > 1 ? argv[1] : "";
-    if (!(kind == "first" && argc == 4) && !(kind == "again" && argc == 3)) {
-        std::cerr << "bench_bare first WORLD AFTER | bench_bare again WORLD\n";
+    const bool writes = (kind == "first" && argc == 4) || (kind == "copied" && argc == 5);
+    if (!writes && !(kind == "again" && argc == 3)) {
+        std::cerr << "bench_bare first WORLD AFTER | copied WORLD AFTER COPY | again WORLD\n";
         return 2;
     }
     try {
         const std::string world = argv[2];
         std::vector<Files> toWrite;
-        if (kind == "first") {
+        if (writes) {
             for (const char* folder : kFolders) {
                 toWrite.push_back(newFiles(world + folder, argv[3] + std::string(folder)));
             }
         }
         const auto begin = std::chrono::steady_clock::now();
         const double cpuBegin = processorTime();
-        const std::size_t bytes = bareRun(world, toWrite);
+        const std::size_t bytes = bareRun(world, toWrite, argc > 4 ? argv[4] : "");
         const double cpu = processorTime() - cpuBegin;
         const std::chrono::duration<double, std::milli> taken =
             std::chrono::steady_clock::now() - begin;
