@@ -6,6 +6,7 @@
 #include "platform/backup_folder/copy_writer.h"
 #include "platform/backup_folder/undo.h"
 #include "platform/system_posix/atomic_file.h"
+#include "platform/system_posix/descriptor.h"
 
 #include <unistd.h>
 
@@ -145,7 +146,8 @@ void RunBackup::makeCopy() {
         journal_ = std::make_unique<Journal>(unfinished / kJournal);
         writeManifest(unfinished, manifest_);
         syncFileSystem(unfinished);
-        if (::rename(unfinished.c_str(), (directory_ / name).c_str()) != 0) {
+        if (uninterrupted(
+                [&] { return ::rename(unfinished.c_str(), (directory_ / name).c_str()); }) != 0) {
             throw failureOfErrno(errno, directory_ / name, u"cannot make");
         }
         syncFileSystem(directory_);

@@ -28,12 +28,6 @@ constexpr off_t kLargestFile = off_t{16} << 20U;
     throw failure;
 }
 
-FileStamp stampFromFacts(const struct stat& facts) {
-    return {facts.st_ino,
-            std::int64_t{facts.st_mtim.tv_sec} * 1'000'000'000 + facts.st_mtim.tv_nsec,
-            facts.st_size};
-}
-
 bool isCalendarName(std::string_view name) {
     constexpr std::string_view kExtension = ".ics";
     return name.size() > kExtension.size() && name.front() != '.' &&

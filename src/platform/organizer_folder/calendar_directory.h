@@ -4,11 +4,9 @@
 
 #include "core/failure.h"
 #include "core/text.h"
+#include "platform/system_posix/file_stamp.h"
 #include "platform/system_posix/open_directory.h"
 
-#include <sys/types.h>
-
-#include <cstdint>
 #include <filesystem>
 #include <optional>
 #include <string>
@@ -16,18 +14,6 @@
 #include <vector>
 
 namespace tandolin::platform {
-
-/// What differs when a file was replaced or written.
-struct FileStamp {
-    ino_t inode = 0;
-    std::int64_t modifiedNs = 0;
-    off_t size = -1;
-
-    friend bool operator==(const FileStamp&, const FileStamp&) = default;
-
-    /// The time of the last change in seconds of UTC.
-    [[nodiscard]] std::int64_t modifiedSeconds() const { return modifiedNs / 1'000'000'000; }
-};
 
 /// The mode of a new file of the organizer: readable by all, as far as the user's mask lets it.
 unsigned modeOfNewFiles();

@@ -1,15 +1,11 @@
 #include "platform/organizer_folder/folder_calendar.h"
 
-#include "core/failure.h"
 #include "platform/organizer_folder/appointment_reader.h"
 #include "platform/organizer_folder/folder_item.h"
 #include "platform/organizer_folder/uuid.h"
 #include "platform/system_posix/atomic_file.h"
 
-#include <unistd.h>
-
 #include <algorithm>
-#include <cerrno>
 
 namespace tandolin::platform {
 
@@ -17,6 +13,7 @@ namespace {
 
 // Another program that writes the same file again and again does not stop the run for ever.
 constexpr int kMostTries = 5;
+constexpr unsigned kKeepMode = 0;
 constexpr std::size_t kLargestKeptBuffer = std::size_t{1} << 20U;
 
 /// What a file of the calendar is called where both sides are files.
@@ -309,7 +306,7 @@ FileStamp FolderCalendar::saveNew(const std::string& id, const ical::Changes& ch
     }
     const std::string bytes = ical::newItemFile(id, changes, context, *zoneLines_);
     const std::uint32_t file = fileNamed(name);
-    store(file, bytes, newFileMode_);
+    store(file, bytes, std::nullopt);
     return files_[file].stamp;
 }
 
@@ -321,12 +318,8 @@ FileStamp FolderCalendar::saveChanges(const std::string& id, const ical::Changes
         dropFile(file);
         throw noItem();
     }
-    Failure changedMeanwhile(failure_number::kOrganizer,
-                             u"Another program has changed the item in the meantime. It was left "
-                             u"as it is.");
-    changedMeanwhile.File = directory_.label(files_[file].name);
     if (stamp != read) {
-        throw Failure(changedMeanwhile);
+        throw changedMeanwhile(file);
     }
     try {
         if (!ical::applyChanges(lines_, id, changes, editContext(files_[file].name))) {
@@ -339,9 +332,9 @@ FileStamp FolderCalendar::saveChanges(const std::string& id, const ical::Changes
     }
     const std::string bytes = lines_.bytes();
     if (!stillIs(file, stamp)) {
-        throw Failure(changedMeanwhile);
+        throw changedMeanwhile(file);
     }
-    store(file, bytes, 0);
+    store(file, bytes, stamp);
     return files_[file].stamp;
 }
 
@@ -376,11 +369,19 @@ bool FolderCalendar::tryRemove(const std::string& id) {
     if (!stillIs(file, stamp)) {
         return false;
     }
-    othersLeft ? store(file, bytes, 0) : removeFile(file);
+    othersLeft ? store(file, bytes, stamp) : removeFile(file, stamp);
     return true;
 }
 
-void FolderCalendar::store(std::uint32_t file, const std::string& bytes, unsigned mode) {
+Failure FolderCalendar::changedMeanwhile(std::uint32_t file) const {
+    Failure failure(failure_number::kOrganizer,
+                    u"Another program has changed the item in the meantime. It was left as it is.");
+    failure.File = directory_.label(files_[file].name);
+    return failure;
+}
+
+void FolderCalendar::store(std::uint32_t file, const std::string& bytes,
+                           const std::optional<FileStamp>& seen) {
     const std::string& name = files_[file].name;
     if (dryRun_) {
         pretended_[name] = bytes;
@@ -394,10 +395,10 @@ void FolderCalendar::store(std::uint32_t file, const std::string& bytes, unsigne
                 directory_.open();
             }
             // A new file has a mode of its own, and no link to follow.
-            if (mode != 0) {
-                replaceFile(directory_.opened(), name, bytes, mode, Flush::later);
-            } else {
-                replaceFile(directory_.pathOf(name), bytes, mode, Flush::later);
+            if (!seen) {
+                replaceFile(directory_.opened(), name, bytes, newFileMode_, Flush::later);
+            } else if (!replaceUnchanged(directory_.pathOf(name), bytes, kKeepMode, seen)) {
+                throw changedMeanwhile(file);
             }
         } catch (Failure& failure) {
             failure.File = directory_.label(name);
@@ -412,7 +413,7 @@ void FolderCalendar::store(std::uint32_t file, const std::string& bytes, unsigne
     index(file, bytes);
 }
 
-void FolderCalendar::removeFile(std::uint32_t file) {
+void FolderCalendar::removeFile(std::uint32_t file, const FileStamp& seen) {
     const std::string& name = files_[file].name;
     if (dryRun_) {
         pretended_[name] = std::nullopt;
@@ -421,10 +422,16 @@ void FolderCalendar::removeFile(std::uint32_t file) {
     }
     const bool seenAll = directory_.stamp() == folderStamp_;
     observed(changes_, StoreSide::organizer, nameAmongFiles(name), std::nullopt, [&] {
-        if (::unlink((directory_.path() / name).c_str()) != 0 && errno != ENOENT) {
-            Failure failure = failureOfErrno(errno, directory_.path() / name, u"cannot remove");
+        try {
+            const std::filesystem::path path = directory_.path() / name;
+            if (directory_.pathOf(name) != path) {
+                platform::removeFile(path); // of a link only the link goes, the file is not touched
+            } else if (!removeUnchanged(path, seen)) {
+                throw changedMeanwhile(file);
+            }
+        } catch (Failure& failure) {
             failure.File = directory_.label(name);
-            throw failure;
+            throw;
         }
     });
     written_ = true;

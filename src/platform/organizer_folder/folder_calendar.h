@@ -11,6 +11,7 @@
 //   read of the whole calendar sees files that were written in place too.
 // An item that is opened or saved always comes fresh from its file.
 
+#include "core/failure.h"
 #include "core/ports/organizer.h"
 #include "core/ports/store_changes.h"
 #include "core/ports/system.h"
@@ -79,8 +80,10 @@ private:
     bool fetch(std::uint32_t file, FileStamp& stamp);
     [[nodiscard]] bool stillIs(std::uint32_t file, const FileStamp& stamp) const;
     bool tryRemove(const std::string& id);
-    void store(std::uint32_t file, const std::string& bytes, unsigned mode);
-    void removeFile(std::uint32_t file);
+    /// Writes the file, but not over another one than was seen; nothing: it is a new one.
+    void store(std::uint32_t file, const std::string& bytes, const std::optional<FileStamp>& seen);
+    [[nodiscard]] Failure changedMeanwhile(std::uint32_t file) const;
+    void removeFile(std::uint32_t file, const FileStamp& seen);
     [[nodiscard]] ical::EditContext editContext(std::string_view fileName);
     void fill(AppointmentFacts& facts, const ical::StoredItem& item, std::int32_t part,
               const ical::Span& span) const;

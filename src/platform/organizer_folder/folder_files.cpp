@@ -4,10 +4,7 @@
 #include "platform/organizer_folder/calendar_directory.h"
 #include "platform/system_posix/atomic_file.h"
 
-#include <unistd.h>
-
 #include <algorithm>
-#include <cerrno>
 #include <limits>
 
 namespace tandolin::platform {
@@ -29,6 +26,11 @@ bool isWithin(const fs::path& path, const fs::path& folder) {
 Failure refusal(const std::string& name) {
     return {failure_number::kAccessDenied,
             u"The name leads out of the organizer: " + fromUtf8(name)};
+}
+
+Failure changedMeanwhile() {
+    return {failure_number::kOrganizer,
+            u"Another program has changed the item in the meantime. It was left as it is."};
 }
 
 bool isCardName(const std::string& name) {
@@ -121,6 +123,7 @@ bool FolderFiles::isFolderOf(const fs::path& directory, const fs::path& folder) 
 
 std::optional<std::string> FolderFiles::read(const std::string& name) {
     const Place place = placeOf(name);
+    seen_[name] = stampOf(place.path); // first: a change while it is read is a change since then
     try {
         return readWholeFile(place.path, kAnySize);
     } catch (const Failure& failure) {
@@ -134,21 +137,27 @@ std::optional<std::string> FolderFiles::read(const std::string& name) {
 void FolderFiles::write(const std::string& name, std::string_view bytes) {
     const Place place = placeOf(name);
     observed(options_.changes, StoreSide::organizer, name, bytes, [&] {
-        std::error_code ignored;
-        const bool isThere = fs::exists(place.path, ignored);
+        const auto known = seen_.find(name);
+        const auto seen = known != seen_.end() ? known->second : stampOf(place.path);
         makePrivateDirectories(place.path.parent_path());
-        replaceFile(place.path, bytes, isThere ? kKeepMode : modeOfNewFiles(), Flush::later);
+        if (!replaceUnchanged(place.path, bytes, seen ? kKeepMode : modeOfNewFiles(), seen)) {
+            throw changedMeanwhile();
+        }
     });
+    seen_.erase(name);
     changed_ = place.directory;
 }
 
 void FolderFiles::remove(const std::string& name) {
     const Place place = placeOf(name);
     observed(options_.changes, StoreSide::organizer, name, std::nullopt, [&] {
-        if (::unlink(place.path.c_str()) != 0 && errno != ENOENT) {
-            throw failureOfErrno(errno, place.path, u"cannot remove");
+        const auto known = seen_.find(name);
+        const auto seen = known != seen_.end() ? known->second : stampOf(place.path);
+        if (seen ? !removeUnchanged(place.path, *seen) : stampOf(place.path).has_value()) {
+            throw changedMeanwhile();
         }
     });
+    seen_.erase(name);
     changed_ = place.directory;
 }
 

@@ -2,8 +2,10 @@
 
 #include "core/ports/store_changes.h"
 #include "platform/organizer_folder/folder_organizer.h"
+#include "platform/system_posix/file_stamp.h"
 
 #include <filesystem>
+#include <map>
 #include <optional>
 #include <string>
 #include <vector>
@@ -11,7 +13,9 @@
 namespace tandolin::platform {
 
 /// The files of an organizer folder: "calendar/x.ics" and "contacts/Kontakte/y.vcf" stand for what
-/// lies in its calendar and contacts directories, wherever these are.
+/// lies in its calendar and contacts directories, wherever these are. An entry that was read is
+/// replaced and removed only while it is as it was read: what another program writes in the
+/// meantime stays, and the call fails.
 class FolderFiles final : public StoreFiles {
 public:
     explicit FolderFiles(FolderOrganizerOptions options) : options_(std::move(options)) {}
@@ -44,6 +48,8 @@ private:
                                   const std::filesystem::path& folder) const;
 
     FolderOrganizerOptions options_;
+    /// How each entry was when it was read last; nothing where it was absent.
+    std::map<std::string, std::optional<FileStamp>> seen_;
     mutable std::filesystem::path known_; ///< the folder that was found to lie within last
     std::filesystem::path changed_;       ///< a directory with changes that were not flushed
 };

@@ -108,11 +108,7 @@ void DirectoryPhoneFiles::restoreStatus(const std::string& name,
         replaceFile(path, *bytes, kKeepMode, Flush::now);
         return;
     }
-    std::error_code error;
-    fs::remove(path, error);
-    if (error) {
-        throw failureOfErrno(error.value(), path, u"cannot remove");
-    }
+    removeFile(path);
 }
 
 fs::path DirectoryPhoneFiles::pathOf(const std::string& name) const {

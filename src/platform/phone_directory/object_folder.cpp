@@ -142,11 +142,7 @@ void ObjectFolder::erase(int number) {
         dryBytes_.erase(number);
         dryErased_.insert(number);
     } else {
-        std::error_code error;
-        fs::remove(folder_ / fileName, error);
-        if (error) {
-            throw failureOfErrno(error.value(), folder_ / fileName, u"cannot remove");
-        }
+        removeFile(folder_ / fileName);
     }
     deleted_.insert_or_assign(number, Deleted{fileName, *std::move(bytes)});
     forget(number);

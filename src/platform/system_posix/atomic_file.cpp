@@ -1,12 +1,14 @@
 #include "platform/system_posix/atomic_file.h"
 
 #include "platform/system_posix/descriptor.h"
+#include "platform/system_posix/stale_files.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <system_error>
@@ -37,11 +39,10 @@ bool writeBytes(int descriptor, std::string_view bytes) {
 }
 
 std::string temporaryName(const std::string& target) {
-    static const std::string process = std::to_string(::getpid());
     static unsigned made = 0;
     const std::size_t folder = target.rfind('/');
-    return target.substr(0, folder == std::string::npos ? 0 : folder + 1) + ".tandolin-" + process +
-           '-' + std::to_string(++made);
+    return target.substr(0, folder == std::string::npos ? 0 : folder + 1) +
+           temporaryFileName(::getpid(), ++made);
 }
 
 /// A file under its temporary name; removed at the end of the scope unless it was renamed.
@@ -49,6 +50,7 @@ class TemporaryFile {
 public:
     TemporaryFile(const OpenDirectory& directory, const std::string& target, unsigned mode)
         : directory_(directory), target_(target) {
+        removeStaleFiles(folderOf(directory.pathOf(target)));
         do {
             name_ = temporaryName(target); // a name that is taken is one of a run that was killed
             descriptor_ = Descriptor(uninterrupted([&] {
@@ -72,7 +74,7 @@ public:
 
     void fill(std::string_view bytes, unsigned mode, Flush flush) {
         const bool masked = (mode & fileModeMask()) != 0;
-        if (masked && ::fchmod(descriptor_.get(), mode) != 0) {
+        if (masked && uninterrupted([&] { return ::fchmod(descriptor_.get(), mode); }) != 0) {
             throw failure(u"cannot set the mode of");
         }
         if (!writeBytes(descriptor_.get(), bytes)) {
@@ -87,15 +89,52 @@ public:
 
     void rename() {
         const int directory = directory_.descriptor();
-        if (::renameat(directory, name_.c_str(), directory, target_.c_str()) != 0) {
+        if (uninterrupted([&] {
+                return ::renameat(directory, name_.c_str(), directory, target_.c_str());
+            }) != 0) {
             throw failure(u"cannot replace");
         }
         renamed_ = true;
     }
 
+    /// Takes the target's place while that is as it was seen. What was there is in hand before it
+    /// is judged, so that a change of the last moment is put back.
+    bool renameOverUnchanged(const std::optional<FileStamp>& seen) {
+        const int result = exchange(seen ? RENAME_EXCHANGE : RENAME_NOREPLACE);
+        if (result != 0 && (errno == EINVAL || errno == ENOSYS)) {
+            // This file system cannot; a look right before the rename is what is left.
+            const bool unchanged = stampOf(directory_.pathOf(target_)) == seen;
+            if (unchanged) {
+                rename();
+            }
+            return unchanged;
+        }
+        if (result != 0) {
+            if (errno == EEXIST || errno == ENOENT) {
+                return false;
+            }
+            throw failure(u"cannot replace");
+        }
+        renamed_ = !seen; // else the old content bears the temporary name now
+        if (!seen || stampOf(directory_.pathOf(name_)) == seen) {
+            return true;
+        }
+        if (exchange(RENAME_EXCHANGE) != 0) {
+            renamed_ = true; // the other program's content must not be removed
+            throw failure(u"cannot put back");
+        }
+        return false;
+    }
+
 private:
     [[nodiscard]] Failure failure(TextView what) const {
         return failureOfErrno(errno, directory_.pathOf(target_), what);
+    }
+
+    [[nodiscard]] int exchange(unsigned how) const {
+        const int directory = directory_.descriptor();
+        return uninterrupted(
+            [&] { return ::renameat2(directory, name_.c_str(), directory, target_.c_str(), how); });
     }
 
     const OpenDirectory& directory_;
@@ -171,6 +210,65 @@ void replaceFile(const OpenDirectory& directory, const std::string& name, std::s
     }
 }
 
+bool replaceUnchanged(const fs::path& path, std::string_view bytes, unsigned mode,
+                      const std::optional<FileStamp>& seen) {
+    const OpenDirectory here;
+    const std::string& name = path.native();
+    const unsigned wanted = modeToUse(here, name, mode);
+    TemporaryFile temporary(here, name, wanted);
+    temporary.fill(bytes, wanted, Flush::later);
+    return temporary.renameOverUnchanged(seen);
+}
+
+std::optional<FileStamp> stampOf(const fs::path& path) {
+    struct stat facts {};
+
+    if (::lstat(path.c_str(), &facts) == 0) {
+        return stampFromFacts(facts);
+    }
+    if (errno == ENOENT || errno == ENOTDIR) {
+        return std::nullopt;
+    }
+    throw failureOfErrno(errno, path, u"cannot read");
+}
+
+void removeFile(const fs::path& path) {
+    if (uninterrupted([&] { return ::unlink(path.c_str()); }) != 0 && errno != ENOENT) {
+        throw failureOfErrno(errno, path, u"cannot remove");
+    }
+}
+
+bool removeUnchanged(const fs::path& path, const FileStamp& seen) {
+    const fs::path aside = temporaryName(path.native());
+    const auto move = [](const fs::path& from, const fs::path& to) {
+        return uninterrupted([&] {
+            return ::renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE);
+        });
+    };
+    if (move(path, aside) != 0) {
+        if (errno == ENOENT) {
+            return true;
+        }
+        if (errno != EINVAL && errno != ENOSYS) {
+            throw failureOfErrno(errno, path, u"cannot remove");
+        }
+        const bool unchanged = stampOf(path) == seen;
+        if (unchanged) {
+            removeFile(path);
+        }
+        return unchanged;
+    }
+    if (stampOf(aside) == seen) {
+        removeFile(aside);
+        return true;
+    }
+    // Where the other program has written anew in the meantime, that is what it wants to be there.
+    if (move(aside, path) != 0 && errno != EEXIST) {
+        throw failureOfErrno(errno, path, u"cannot put back");
+    }
+    return false;
+}
+
 void replaceFile(const fs::path& path, std::string_view bytes, unsigned mode, Flush flush) {
     replaceFile({}, path.native(), bytes, mode, flush);
 }
@@ -221,7 +319,7 @@ std::string readWholeFile(const OpenDirectory& directory, const std::string& nam
 
 void syncFileSystem(const fs::path& anyFileOnIt) {
     const Descriptor opened = openForReading({}, anyFileOnIt.native(), O_NONBLOCK);
-    if (::syncfs(opened.get()) != 0) {
+    if (uninterrupted([&] { return ::syncfs(opened.get()); }) != 0) {
         throw failureOfErrno(errno, anyFileOnIt, u"cannot flush");
     }
 }
@@ -234,7 +332,7 @@ void makePrivateDirectories(const fs::path& directory) {
     if (directory.has_parent_path() && directory.parent_path() != directory) {
         makePrivateDirectories(directory.parent_path());
     }
-    if (::mkdir(directory.c_str(), 0700) != 0 && errno != EEXIST) {
+    if (uninterrupted([&] { return ::mkdir(directory.c_str(), 0700); }) != 0 && errno != EEXIST) {
         throw failureOfErrno(errno, directory, u"cannot make the directory");
     }
 }

@@ -1,10 +1,12 @@
 #pragma once
 
 #include "core/failure.h"
+#include "platform/system_posix/file_stamp.h"
 #include "platform/system_posix/open_directory.h"
 
 #include <cstddef>
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -30,6 +32,23 @@ void replaceFile(const std::filesystem::path& path, std::string_view bytes, unsi
 /// The same for a file of an open directory.
 void replaceFile(const OpenDirectory& directory, const std::string& name, std::string_view bytes,
                  unsigned mode, Flush flush);
+
+/// The stamp of what bears this name, a link itself; nothing when nothing does. Throws as above.
+std::optional<FileStamp> stampOf(const std::filesystem::path& path);
+
+/// Replaces the file as `replaceFile` does with `Flush::later`, but only while it is the one that
+/// `seen` tells of (nothing: while there is none). False when another program was faster: what it
+/// wrote stays. There is no moment in which its change could be lost, unless the file system cannot
+/// exchange two names.
+bool replaceUnchanged(const std::filesystem::path& path, std::string_view bytes, unsigned mode,
+                      const std::optional<FileStamp>& seen);
+
+/// Removes the file while it is the one that `seen` tells of, else false, as above. An absent file
+/// is a success.
+bool removeUnchanged(const std::filesystem::path& path, const FileStamp& seen);
+
+/// Removes a file; an absent one is a success. Throws as above.
+void removeFile(const std::filesystem::path& path);
 
 /// All bytes of a regular file. Throws Failure kNotFound when there is none, kServerFailed when it
 /// is larger than `limit` or no regular file (a device would never end), else as `failureOfErrno`.
