@@ -35,6 +35,9 @@ void writeJson(std::ostream& out, const RunFacts& facts);
 /// The summary, one line per transferred row, the notes. Lines end in LF.
 void writeSummary(std::ostream& out);
 
+/// The rows that failed, for a run that prints no summary.
+void writeFailedRows(std::ostream& out);
+
 /// The line that names the copy of a run and how to use it; empty without one.
 std::string backupLine(const std::string& backup);
 

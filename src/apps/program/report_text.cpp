@@ -16,20 +16,30 @@ std::string withLineFeeds(TextView text) {
     return bytes;
 }
 
+template <class Wanted>
+void writeRows(std::ostream& out, Wanted&& wanted) {
+    Table<CalendarLog>& log = logTables.calendar;
+    for (log.MoveFirst(); !log.atEnd(); log.MoveNext()) {
+        const bool failed = log[callog::Error] == tr(ids::kYes);
+        if (!wanted(failed)) {
+            continue;
+        }
+        out << toUtf8(log[callog::Transfer]) << ' ' << toUtf8(log[callog::Action]) << ' '
+            << toUtf8(isoDate(log[callog::Date])) << ' ' << toUtf8(isoTime(log[callog::Time]))
+            << ' ' << toUtf8(log[callog::Typ]) << ' ' << toUtf8(log[callog::Text])
+            << (failed ? " FAILED: " + toUtf8(log[callog::ErrorDesc]) : "") << '\n';
+    }
+}
+
 } // namespace
+
+void writeFailedRows(std::ostream& out) {
+    writeRows(out, [](bool failed) { return failed; });
+}
 
 void writeSummary(std::ostream& out) {
     out << withLineFeeds(app.log.summary) << "\n\n";
-    Table<CalendarLog>& log = logTables.calendar;
-    for (log.MoveFirst(); !log.atEnd(); log.MoveNext()) {
-        out << toUtf8(log[callog::Transfer]) << ' ' << toUtf8(log[callog::Action]) << ' '
-            << toUtf8(isoDate(log[callog::Date])) << ' ' << toUtf8(isoTime(log[callog::Time]))
-            << ' ' << toUtf8(log[callog::Typ]) << ' ' << toUtf8(log[callog::Text]);
-        if (log[callog::Error] == tr(ids::kYes)) {
-            out << " FAILED: " << toUtf8(log[callog::ErrorDesc]);
-        }
-        out << '\n';
-    }
+    writeRows(out, [](bool) { return true; });
     for (const Note& note : app.run.notes) {
         out << toUtf8(note.kind) << ": " << toUtf8(note.side) << ' ' << toUtf8(note.file) << ' '
             << (note.text.empty() ? "" : toUtf8(note.text) + ": ") << toUtf8(note.reason) << '\n';

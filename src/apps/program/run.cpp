@@ -226,6 +226,9 @@ void warnOfUnknownWords(const Options& options, std::ostream& errors) {
 int report(const Options& options, RunFacts facts, std::ostream& out) {
     facts.failures = listening.failures;
     facts.exit = exitStatus();
+    if (options.json || options.quiet) {
+        writeFailedRows(*listening.errors);
+    }
     if (options.json) {
         writeJson(out, facts);
     } else if (!options.quiet && !isKill(options)) {
