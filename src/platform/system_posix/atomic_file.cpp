@@ -39,10 +39,27 @@ bool writeBytes(int descriptor, std::string_view bytes) {
 }
 
 std::string temporaryName(const std::string& target) {
+    static const long process = ::getpid();
     static unsigned made = 0;
     const std::size_t folder = target.rfind('/');
     return target.substr(0, folder == std::string::npos ? 0 : folder + 1) +
-           temporaryFileName(::getpid(), ++made);
+           temporaryFileName(process, ++made);
+}
+
+/// Once for each folder; thousands of files follow each other in one.
+void sweepFolderOf(const OpenDirectory& directory, const std::string& target) {
+    static std::string last;
+    if (directory.isOpen()) {
+        if (directory.isFirstWrite()) {
+            removeStaleFiles(directory.pathOf({}));
+        }
+        return;
+    }
+    const std::string_view folder = std::string_view(target).substr(0, target.rfind('/') + 1);
+    if (folder != last) {
+        last = folder;
+        removeStaleFiles(folderOf(target));
+    }
 }
 
 /// A file under its temporary name; removed at the end of the scope unless it was renamed.
@@ -50,7 +67,7 @@ class TemporaryFile {
 public:
     TemporaryFile(const OpenDirectory& directory, const std::string& target, unsigned mode)
         : directory_(directory), target_(target) {
-        removeStaleFiles(folderOf(directory.pathOf(target)));
+        sweepFolderOf(directory, target);
         do {
             name_ = temporaryName(target); // a name that is taken is one of a run that was killed
             descriptor_ = Descriptor(uninterrupted([&] {

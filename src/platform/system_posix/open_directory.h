@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <functional>
 #include <string>
+#include <utility>
 
 namespace tandolin::platform {
 
@@ -24,6 +25,9 @@ public:
 
     [[nodiscard]] bool isOpen() const { return opened_.isOpen(); }
 
+    /// True at the first call only.
+    [[nodiscard]] bool isFirstWrite() const { return !std::exchange(written_, true); }
+
     /// Calls `each` with the name and the kind (DT_REG ...) of every entry but "." and "..", in no
     /// order. Throws what `failureOfErrno` makes.
     void eachEntry(const std::function<void(const char* name, unsigned char kind)>& each) const;
@@ -35,6 +39,7 @@ public:
 private:
     std::filesystem::path path_;
     Descriptor opened_;
+    mutable bool written_ = false;
 };
 
 } // namespace tandolin::platform
