@@ -100,6 +100,11 @@ bool numberWasTaken(std::int32_t number) {
     return app.phone.numbersOnPhone->contains(number);
 }
 
+void askAgainFor(std::int32_t number) {
+    app.phone.numbersOnPhone.reset();
+    app.phone.numbersGivenUnseen.insert(number);
+}
+
 void forgetNumbersOnPhone() {
     app.phone.numbersOnPhone.reset();
     app.phone.phoneRowsCleared = false;

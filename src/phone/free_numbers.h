@@ -17,4 +17,7 @@ bool numberWasTaken(std::int32_t number);
 /// The phone's objects are listed anew at the next need: after a full read, or at the end of a run.
 void forgetNumbersOnPhone();
 
+/// The number turned out to be taken, unlisted: the phone is asked again before the next try.
+void askAgainFor(std::int32_t number);
+
 } // namespace tandolin

@@ -59,6 +59,10 @@ void rememberLosses(const Table<Calendar>& row, TextView rule) {
     }
 }
 
+bool isCutShort(TextView object) {
+    return holdsText(object, u"BEGIN:VCALENDAR") && !holdsText(object, u"END:VCALENDAR");
+}
+
 /// One object; false ends the read. An empty object is passed over, and the count then tells.
 bool readOne(const ReadingForm& form, TextView fileName) {
     Text object;
@@ -75,6 +79,11 @@ bool readOne(const ReadingForm& form, TextView fileName) {
     if (object.empty()) {
         reportObject(form.place, fileName, u"The object is empty");
         return true;
+    }
+    if (isCutShort(object)) {
+        // The reader takes what is there; what is missing would look like another entry.
+        reportObject(form.place, fileName, u"The object has no end: it was not read whole");
+        return false;
     }
     const WorkRow row;
     Text rule;

@@ -4,6 +4,7 @@
 #include "core/trap.h"
 #include "formats/calendar_codec.h"
 #include "log/log_model.h"
+#include "phone/free_numbers.h"
 #include "phone/object_store.h"
 #include "store/row_operations.h"
 #include "sync/calendar_queue.h"
@@ -51,6 +52,25 @@ void queueWrite(Table<Calendar>& row) {
     queuePhoneWrite(row);
 }
 
+/// True when the phone holds just this object: it was sent before and only the answer was lost. Any
+/// other one is a failure. A list can be older than the phone, and what nobody here has read must
+/// not be written over.
+bool isThereAlready(std::int16_t number, const MobilePaths& paths, TextView object) {
+    Text there;
+    if (!phoneServer() ||
+        !readObjectText(*phoneServer(), paths.calendarDirectory, paths.LastvCalFile, there)) {
+        return false;
+    }
+    if (there != object) {
+        askAgainFor(number);
+        Failure failure(failure_number::kInternal,
+                        u"The phone holds another entry under this number. It was left as it is.");
+        failure.File = paths.LastvCalFile;
+        throw Failure(failure);
+    }
+    return true;
+}
+
 void removeObject(const MobilePaths& paths, const Table<Calendar>& row) {
     // A row that never had an object has none to remove.
     if (app.core.GlobalUsePXD && row[cal::SubType] > 0) {
@@ -82,7 +102,9 @@ bool SendSingleEntry(Table<Calendar>& row) {
         paths.LastvCalFile = decimal(number) + u".vcs";
         app.ports.screen.window->busy(true);
         standOnRowBeingSent(row);
-        if (!PXDWriteStream(phoneServer(), object, paths.calendarDirectory, paths.LastvCalFile,
+        const bool isNew = !row[cal::IsChanged];
+        if (!(isNew && isThereAlready(number, paths, object)) &&
+            !PXDWriteStream(phoneServer(), object, paths.calendarDirectory, paths.LastvCalFile,
                             app.ports.clock->now())) {
             return;
         }
