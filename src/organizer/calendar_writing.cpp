@@ -59,10 +59,36 @@ void countNewItem() {
     app.organizer.vCalPIMRead = kTrue;
 }
 
+/// Does the organizer hold the item as it was to be stored?
+bool isStored(const AppointmentFacts& wanted) {
+    bool stored = false;
+    static_cast<void>(attempt([&] {
+        const AppointmentFacts facts = calendarFolderInUse().GetItemFromID(wanted.EntryID)->facts();
+        stored = facts.Subject == wanted.Subject && facts.Start == wanted.Start &&
+                 facts.End == wanted.End && facts.MeetingStatus == wanted.MeetingStatus &&
+                 facts.ReminderSet == wanted.ReminderSet &&
+                 facts.IsRecurring == wanted.IsRecurring && facts.Pattern == wanted.Pattern;
+    }));
+    return stored;
+}
+
+/// A save of which only the answer was lost is done. Tried again it would make a second item, or
+/// take the change for one that another program made.
+void save(AppointmentItem& item) {
+    const AppointmentFacts wanted = item.facts();
+    try {
+        item.Save();
+    } catch (...) {
+        if (!isStored(wanted)) {
+            throw;
+        }
+    }
+}
+
 void createItem(Table<Calendar>& row) {
     const auto item = calendarFolderInUse().CreateItem();
     fillItem(*item, row);
-    item->Save();
+    save(*item);
     const AppointmentFacts stored = item->facts();
     row.set(cal::UID, stored.EntryID);
     if (!row[cal::Mobile] && !app.sync.GlobalTransferActive) {
@@ -80,7 +106,7 @@ void changeItem(Table<Calendar>& row) {
     const Row asItWas(row.row());
     try {
         if (setChangedMembers(*item, row)) {
-            item->Save();
+            save(*item);
             row.set(cal::CreationDate, item->facts().CreationTime);
         }
     } catch (...) {
