@@ -1,212 +1,54 @@
 #pragma once
 
-// Both sides of a run with a script of faults around them.
+// The small world of the sweeps, and a script of faults around both sides of a run.
 
-#include "apps/program/run.h"
-#include "core/failure.h"
-
-#include <memory>
-#include <string>
-#include <vector>
+#include "apps/run_folder.h"
+#include "support/faulty_sides.h"
 
 namespace tandolin::testing {
 
-enum class CallKind { read, write, other };
+inline std::string times(const std::string& day, int hour) {
+    const std::string text = std::to_string(hour);
+    return "DTSTART:" + day + "T" + text + "0000Z\r\nDTEND:" + day + "T" + text + "3000Z\r\n";
+}
 
-/// What is to fail, and what happened. One for both sides: what fails on one side must stop the
-/// writes to the other as well.
-struct FaultScript {
-    bool onPhone = true;
-    std::size_t failAt = 0; ///< from 1, counted on that side; 0 never
-    bool deadFromThen = false;
+/// Pairs, entries of one side, series, a text that the phone cuts, entries outside the frame. In
+/// mode 1 the phone has too little room, so that five objects go.
+inline void fill(const RunFolder& folder) {
+    folder.object(1,
+                  "CATEGORIES:MISCELLANEOUS\r\n" + times("20270302", 10) + "SUMMARY:Zahnarzt\r\n");
+    folder.object(2, "CATEGORIES:MISCELLANEOUS\r\n" + times("20270303", 10) +
+                         "SUMMARY:Nur Telefon\r\n");
+    folder.object(3, "CATEGORIES:MEETING\r\n" + times("20270104", 18) +
+                         "RRULE:W1 MO #0\r\nDESCRIPTION:Probe\r\n");
+    folder.object(4, "CATEGORIES:MISCELLANEOUS\r\n" + times("20270105", 19) +
+                         "RRULE:W1 TU TH #0\r\nDESCRIPTION:Training\r\n");
+    folder.object(5, "CATEGORIES:PHONE CALL\r\n" + times("20270305", 11) +
+                         "DESCRIPTION:+4930123456\r\n");
+    folder.object(6, "CATEGORIES:MISCELLANEOUS\r\n" + times("20250305", 11) +
+                         "DESCRIPTION:Lange her\r\n");
+    folder.object(7, "CATEGORIES:ANNIVERSARY\r\n" + times("20200320", 10) +
+                         "RRULE:YD1 #0\r\nDESCRIPTION:Eva\r\n");
+    folder.object(8, "CATEGORIES:MISCELLANEOUS\r\n" + times("20270308", 10) +
+                         "DESCRIPTION:Versammlung des Vereins im gross\r\n");
+    folder.item("u1", times("20270302", 10) + "SUMMARY:Zahnarzt\r\n");
+    folder.item("u2", times("20270304", 10) +
+                          "SUMMARY:Ein Betreff, den das Telefon nicht ganz aufnimmt\r\n");
+    folder.item("u3", times("20270104", 18) + "RRULE:FREQ=WEEKLY;BYDAY=MO\r\nSUMMARY:Probe\r\n"
+                                              "X-HALVERNTANDOLIN-MEETING:1\r\n");
+    folder.item("u4",
+                times("20270115", 10) + "RRULE:FREQ=MONTHLY;BYMONTHDAY=15\r\nSUMMARY:Miete\r\n");
+    folder.item("u5", times("20270309", 14) + "SUMMARY:Größe\r\n");
+    folder.item("u6",
+                "DTSTART;VALUE=DATE:20270310\r\nDTEND;VALUE=DATE:20270311\r\nSUMMARY:Ferien\r\n");
+    folder.item("u7",
+                times("20270308", 10) + "SUMMARY:Versammlung des Vereins im grossen Saal\r\n");
+    folder.item("u8", times("20280308", 10) + "SUMMARY:Weit weg\r\n");
+}
 
-    std::size_t phoneCalls = 0;
-    std::size_t organizerCalls = 0;
-    std::string failedCall; ///< the first
-    bool readFailed = false;
-    std::string writeAfterFailedRead;
-
-    void call(bool phone, const char* name, CallKind kind) {
-        std::size_t& count = phone ? phoneCalls : organizerCalls;
-        ++count;
-        if (readFailed && kind == CallKind::write) {
-            writeAfterFailedRead = name;
-        }
-        const bool fails = failAt != 0 && phone == onPhone &&
-                           (count == failAt || (deadFromThen && count > failAt));
-        if (fails) {
-            failedCall = failedCall.empty() ? name : failedCall;
-            readFailed = readFailed || kind == CallKind::read;
-            throw Failure(failure_number::kServerFailed, u"scripted fault");
-        }
-    }
-};
-
-class FaultyPhone : public PhoneServer {
-public:
-    FaultyPhone(std::unique_ptr<PhoneServer> phone, FaultScript& script)
-        : phone_(std::move(phone)), script_(script) {}
-
-    void PXDDelete(TextView path) override {
-        script_.call(true, "PXDDelete", CallKind::write);
-        phone_->PXDDelete(path);
-    }
-
-    std::vector<Text> PXDList(TextView path, int flags) override {
-        script_.call(true, "PXDList", CallKind::read);
-        return phone_->PXDList(path, flags);
-    }
-
-    PXDStream PXDRead(TextView path) override {
-        script_.call(true, "PXDRead", CallKind::read);
-        return phone_->PXDRead(path);
-    }
-
-    void PXDWrite(TextView path, const PXDStream& stream, int flags) override {
-        script_.call(true, "PXDWrite", CallKind::write);
-        phone_->PXDWrite(path, stream, flags);
-    }
-
-    bool restoreDeleted(TextView path) override { return phone_->restoreDeleted(path); }
-
-    void flush() override {
-        script_.call(true, "flush", CallKind::other);
-        phone_->flush();
-    }
-
-private:
-    std::unique_ptr<PhoneServer> phone_;
-    FaultScript& script_;
-};
-
-class FaultyItem : public AppointmentItem {
-public:
-    FaultyItem(std::unique_ptr<AppointmentItem> item, FaultScript& script)
-        : item_(std::move(item)), script_(script) {}
-
-    [[nodiscard]] AppointmentFacts facts() const override { return item_->facts(); }
-
-    void setSubject(TextView subject) override { item_->setSubject(subject); }
-
-    void setStart(Date start) override { item_->setStart(start); }
-
-    void setEnd(Date end) override { item_->setEnd(end); }
-
-    void setMeetingStatus(int status) override { item_->setMeetingStatus(status); }
-
-    void setReminderSet(bool on) override { item_->setReminderSet(on); }
-
-    void setRecurrencePattern(const RecurrencePattern& pattern) override {
-        item_->setRecurrencePattern(pattern);
-    }
-
-    void ClearRecurrencePattern() override { item_->ClearRecurrencePattern(); }
-
-    void Save() override {
-        script_.call(false, "Save", CallKind::write);
-        item_->Save();
-    }
-
-    void Delete() override {
-        script_.call(false, "Delete", CallKind::write);
-        item_->Delete();
-    }
-
-private:
-    std::unique_ptr<AppointmentItem> item_;
-    FaultScript& script_;
-};
-
-class FaultyFolder : public CalendarFolder {
-public:
-    FaultyFolder(CalendarFolder& folder, FaultScript& script) : folder_(folder), script_(script) {}
-
-    const AppointmentFacts* Find(StartRange range) override {
-        script_.call(false, "Find", CallKind::read);
-        return folder_.Find(range);
-    }
-
-    const AppointmentFacts* FindNext() override {
-        script_.call(false, "FindNext", CallKind::read);
-        return folder_.FindNext();
-    }
-
-    void SkipOccurrences() override { folder_.SkipOccurrences(); }
-
-    std::vector<AppointmentFacts> SeriesBeginning(Date day) override {
-        script_.call(false, "SeriesBeginning", CallKind::read);
-        return folder_.SeriesBeginning(day);
-    }
-
-    std::unique_ptr<AppointmentItem> CreateItem() override {
-        script_.call(false, "CreateItem", CallKind::other);
-        return std::make_unique<FaultyItem>(folder_.CreateItem(), script_);
-    }
-
-    /// Only what was just created is opened in a run, so a failure says nothing of other entries.
-    std::unique_ptr<AppointmentItem> GetItemFromID(TextView entryID) override {
-        script_.call(false, "GetItemFromID", CallKind::other);
-        return std::make_unique<FaultyItem>(folder_.GetItemFromID(entryID), script_);
-    }
-
-private:
-    CalendarFolder& folder_;
-    FaultScript& script_;
-};
-
-class FaultyOrganizer : public Organizer {
-public:
-    FaultyOrganizer(std::unique_ptr<Organizer> organizer, FaultScript& script)
-        : organizer_(std::move(organizer)), script_(script) {}
-
-    [[nodiscard]] Text Name() const override {
-        script_.call(false, "Name", CallKind::other);
-        return organizer_->Name();
-    }
-
-    [[nodiscard]] Text Version() const override {
-        script_.call(false, "Version", CallKind::other);
-        return organizer_->Version();
-    }
-
-    CalendarFolder& GetDefaultCalendarFolder() override {
-        script_.call(false, "GetDefaultCalendarFolder", CallKind::read);
-        CalendarFolder& folder = organizer_->GetDefaultCalendarFolder();
-        if (!folder_) {
-            folder_ = std::make_unique<FaultyFolder>(folder, script_);
-        }
-        return *folder_;
-    }
-
-    FolderRecord GetDefaultContactFolder() override {
-        script_.call(false, "GetDefaultContactFolder", CallKind::other);
-        return organizer_->GetDefaultContactFolder();
-    }
-
-    FolderRecord GetFolderFromID(TextView entryID, TextView storeID) override {
-        script_.call(false, "GetFolderFromID", CallKind::other);
-        return organizer_->GetFolderFromID(entryID, storeID);
-    }
-
-    std::vector<FolderRecord> Folders() override {
-        script_.call(false, "Folders", CallKind::other);
-        return organizer_->Folders();
-    }
-
-    [[nodiscard]] std::vector<UnreadableItem> unreadable() const override {
-        return organizer_->unreadable();
-    }
-
-    void flush() override {
-        script_.call(false, "flush", CallKind::other);
-        organizer_->flush();
-    }
-
-private:
-    std::unique_ptr<Organizer> organizer_;
-    FaultScript& script_;
-    std::unique_ptr<FaultyFolder> folder_;
-};
+inline int maximumFor(int mode) {
+    return mode == 1 ? 10 : 20;
+}
 
 inline program::Around aroundWith(FaultScript& script) {
     return {[&script](std::unique_ptr<PhoneServer> phone) -> std::unique_ptr<PhoneServer> {
@@ -214,7 +56,8 @@ inline program::Around aroundWith(FaultScript& script) {
             },
             [&script](std::unique_ptr<Organizer> organizer) -> std::unique_ptr<Organizer> {
                 return std::make_unique<FaultyOrganizer>(std::move(organizer), script);
-            }};
+            },
+            {}};
 }
 
 } // namespace tandolin::testing

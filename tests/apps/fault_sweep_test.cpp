@@ -1,61 +1,23 @@
-// The k-th call of the phone or of the organizer fails, once or from then on, for every k until a
-// run has no such call: no entry may be lost, nothing may be written after a failed read, and the
-// runs that follow bring both sides to the same end without copies.
+// The k-th call of the phone or of the organizer goes wrong, for every k and every kind of fault:
+// no entry may be lost, nothing may be written after a failed read, and the run that follows brings
+// both sides to the same end without duplicates.
+//
+// A short or stale answer that cannot be told from a good one makes entries look missing, which a
+// run then copies: there nothing may be lost, and the runs that follow come to rest.
 
 #include "apps/fault_sweep.h"
 
 #include "apps/run_folder.h"
+#include "support/fault_sum.h"
 
 #include <algorithm>
 #include <set>
+#include <tuple>
 
 using namespace tandolin;
 using namespace tandolin::testing;
 
 namespace {
-
-std::string times(const std::string& day, int hour) {
-    const std::string text = std::to_string(hour);
-    return "DTSTART:" + day + "T" + text + "0000Z\r\nDTEND:" + day + "T" + text + "3000Z\r\n";
-}
-
-/// Pairs, entries of one side, series, a text that the phone cuts, entries outside the frame. In
-/// mode 1 the phone has too little room, so that five objects go.
-void fill(const RunFolder& folder) {
-    folder.object(1,
-                  "CATEGORIES:MISCELLANEOUS\r\n" + times("20270302", 10) + "SUMMARY:Zahnarzt\r\n");
-    folder.object(2, "CATEGORIES:MISCELLANEOUS\r\n" + times("20270303", 10) +
-                         "SUMMARY:Nur Telefon\r\n");
-    folder.object(3, "CATEGORIES:MEETING\r\n" + times("20270104", 18) +
-                         "RRULE:W1 MO #0\r\nDESCRIPTION:Probe\r\n");
-    folder.object(4, "CATEGORIES:MISCELLANEOUS\r\n" + times("20270105", 19) +
-                         "RRULE:W1 TU TH #0\r\nDESCRIPTION:Training\r\n");
-    folder.object(5, "CATEGORIES:PHONE CALL\r\n" + times("20270305", 11) +
-                         "DESCRIPTION:+4930123456\r\n");
-    folder.object(6, "CATEGORIES:MISCELLANEOUS\r\n" + times("20250305", 11) +
-                         "DESCRIPTION:Lange her\r\n");
-    folder.object(7, "CATEGORIES:ANNIVERSARY\r\n" + times("20200320", 10) +
-                         "RRULE:YD1 #0\r\nDESCRIPTION:Eva\r\n");
-    folder.object(8, "CATEGORIES:MISCELLANEOUS\r\n" + times("20270308", 10) +
-                         "DESCRIPTION:Versammlung des Vereins im gross\r\n");
-    folder.item("u1", times("20270302", 10) + "SUMMARY:Zahnarzt\r\n");
-    folder.item("u2", times("20270304", 10) +
-                          "SUMMARY:Ein Betreff, den das Telefon nicht ganz aufnimmt\r\n");
-    folder.item("u3", times("20270104", 18) + "RRULE:FREQ=WEEKLY;BYDAY=MO\r\nSUMMARY:Probe\r\n"
-                                              "X-HALVERNTANDOLIN-MEETING:1\r\n");
-    folder.item("u4",
-                times("20270115", 10) + "RRULE:FREQ=MONTHLY;BYMONTHDAY=15\r\nSUMMARY:Miete\r\n");
-    folder.item("u5", times("20270309", 14) + "SUMMARY:Größe\r\n");
-    folder.item("u6",
-                "DTSTART;VALUE=DATE:20270310\r\nDTEND;VALUE=DATE:20270311\r\nSUMMARY:Ferien\r\n");
-    folder.item("u7",
-                times("20270308", 10) + "SUMMARY:Versammlung des Vereins im grossen Saal\r\n");
-    folder.item("u8", times("20280308", 10) + "SUMMARY:Weit weg\r\n");
-}
-
-int maximumFor(int mode) {
-    return mode == 1 ? 10 : 20;
-}
 
 std::string lineStarting(const std::string& bytes, const std::string& name) {
     const std::size_t at = bytes.find("\r\n" + name);
@@ -63,8 +25,8 @@ std::string lineStarting(const std::string& bytes, const std::string& name) {
 }
 
 /// What tells entries apart: start, rule and text. An entry that stands twice is there twice.
-std::multiset<std::string> entriesOf(const Tree& tree) {
-    std::multiset<std::string> entries;
+Entries entriesOf(const Tree& tree) {
+    Entries entries;
     for (const auto& [path, bytes] : tree) {
         if (path.ends_with(".vcs") || path.ends_with(".ics")) {
             const std::string description = lineStarting(bytes, "DESCRIPTION");
@@ -75,10 +37,6 @@ std::multiset<std::string> entriesOf(const Tree& tree) {
         }
     }
     return entries;
-}
-
-bool holdsTwice(const std::multiset<std::string>& entries) {
-    return std::ranges::adjacent_find(entries) != entries.end();
 }
 
 /// Names that are neither an entry nor a status file: something half done was left behind.
@@ -93,15 +51,23 @@ std::string strangers(const Tree& tree) {
     return names;
 }
 
-/// Every file of before is still there as it was, but for those that mode 1 may remove.
-std::string lostFiles(const Tree& before, const Tree& after, int mode) {
-    std::string lost;
+/// Mode 1 removes the first five by number, and may give their numbers away.
+bool wasRemoved(const FaultScript& script, int mode, const std::string& path) {
+    const std::string name = path.substr(path.rfind('/') + 1);
+    return mode == 1 && name <= "5.vcs" && script.removed.contains("\\telecom\\cal\\" + name);
+}
+
+/// How many files of before are not there as they were.
+int lostFiles(const Tree& before, const Tree& after, const FaultScript& script, int mode) {
+    int lost = 0;
     for (const auto& [path, bytes] : before) {
         const auto still = after.find(path);
-        const bool removable = mode == 1 && path.ends_with(".vcs") && path[path.size() - 5] <= '5';
-        if (!path.ends_with("info.log") && !removable &&
-            (still == after.end() || still->second != bytes)) {
-            lost += path + ' ';
+        if (path.ends_with("info.log") || wasRemoved(script, mode, path)) {
+            continue;
+        }
+        if (still == after.end() || still->second != bytes) {
+            MESSAGE("lost: " << path);
+            ++lost;
         }
     }
     return lost;
@@ -113,94 +79,157 @@ bool mayFail(const std::string& call) {
            call == "Name";
 }
 
-struct End {
-    std::multiset<std::string> phone;
-    std::multiset<std::string> organizer;
-};
-
 std::vector<std::string> arguments(int mode) {
     return {"--set", "SyncTyp=" + std::to_string(mode), "--json", "VCAL"};
 }
 
-void checkNothingLost(const RunFolder& folder, const Tree& phone, const Tree& organizer, int mode) {
-    CHECK(lostFiles(phone, folder.tree("phone"), mode) == "");
-    CHECK(lostFiles(organizer, folder.tree("organizer"), mode) == "");
-    CHECK(strangers(folder.tree("phone")) == "");
-    CHECK(strangers(folder.tree("organizer")) == "");
+/// Both sides of a folder, as they are or as they were.
+struct Sides {
+    Tree phone;
+    Tree organizer;
+
+    explicit Sides(const RunFolder& folder)
+        : phone(folder.tree("phone")), organizer(folder.tree("organizer")) {}
+
+    friend bool operator==(const Sides&, const Sides&) = default;
+};
+
+int lostSince(const Sides& before, const RunFolder& folder, const FaultScript& script, int mode) {
+    const Sides now(folder);
+    CHECK(strangers(now.phone) == "");
+    CHECK(strangers(now.organizer) == "");
+    return lostFiles(before.phone, now.phone, script, mode) +
+           lostFiles(before.organizer, now.organizer, script, mode);
 }
 
-/// Runs once more without faults, and again. Gives where both sides ended.
+struct End {
+    Entries phone;
+    Entries organizer;
+};
+
+/// One run more without faults; the one behind it has nothing to do.
 End settle(const RunFolder& folder, int mode) {
-    const Outcome second = folder.run(arguments(mode));
-    CHECK(second.exit == 0);
-    const Tree phone = folder.tree("phone");
-    const Tree organizer = folder.tree("organizer");
-    const Outcome third = folder.run(arguments(mode));
-    CHECK(third.exit == 0);
-    CHECK(third.out.find("\"calendar\":[]") != std::string::npos);
-    CHECK(folder.tree("phone") == phone);
-    CHECK(folder.tree("organizer") == organizer);
-    const End end{entriesOf(phone), entriesOf(organizer)};
-    CHECK_FALSE(holdsTwice(end.phone));
-    CHECK_FALSE(holdsTwice(end.organizer));
-    return end;
+    CHECK(folder.run(arguments(mode)).exit == 0);
+    const Sides settled(folder);
+    const Outcome again = folder.run(arguments(mode));
+    CHECK(again.exit == 0);
+    CHECK(again.out.find("\"calendar\":[]") != std::string::npos);
+    CHECK(Sides(folder) == settled);
+    return {entriesOf(settled.phone), entriesOf(settled.organizer)};
 }
 
-/// False when the run made fewer calls than the script wanted to fail.
-bool tryFault(int mode, FaultScript script, const End& wanted) {
-    const RunFolder folder(maximumFor(mode));
-    fill(folder);
-    const Tree phone = folder.tree("phone");
-    const Tree organizer = folder.tree("organizer");
-    const Outcome outcome = folder.run(arguments(mode), aroundWith(script));
-    if (script.failedCall.empty()) {
-        return false;
+/// What a run starts from; an item's name and stamps are another every time.
+using Start = std::tuple<Tree, Entries, std::string>;
+
+/// A mode without faults: what a fault is compared with.
+struct Mode {
+    int number;
+    std::array<std::vector<CallKind>, 2> calls;
+    End end;
+    std::map<Start, End> ends; ///< Many faults leave the same behind, and are settled once.
+
+    const End& endOf(const RunFolder& folder) {
+        const Sides now(folder);
+        Start start{now.phone, entriesOf(now.organizer),
+                    bytesOf(folder.scratch.path / "settings.toml")};
+        if (!ends.contains(start)) {
+            ends[start] = settle(folder, number);
+        }
+        return ends[start];
     }
-    CAPTURE(mode);
+};
+
+Mode withoutFault(int number) {
+    const RunFolder folder(maximumFor(number));
+    fill(folder);
+    const Sides before(folder);
+    FaultScript script;
+    CHECK(folder.run(arguments(number), aroundWith(script)).exit == 0);
+    CHECK(script.writeDoneTwice == "");
+    CHECK(lostSince(before, folder, script, number) == 0);
+    CHECK_FALSE(Sides(folder) == before);
+    return {number, script.calls, settle(folder, number), {}};
+}
+
+/// Half an object is never a whole one. A save that was done is found done.
+bool mustBeTold(const FaultScript& script) {
+    switch (script.kind) {
+    case FaultKind::shortAnswer:
+        return script.objectCut;
+    case FaultKind::staleAnswer:
+        return false;
+    case FaultKind::answerLost:
+        return !script.faultyCall.starts_with("Save") && !mayFail(script.faultyCall);
+    default:
+        return !mayFail(script.faultyCall);
+    }
+}
+
+void tryFault(FaultSum& sum, Mode& mode, FaultScript script) {
+    const RunFolder folder(maximumFor(mode.number));
+    fill(folder);
+    const Sides before(folder);
+    const Outcome outcome = folder.run(arguments(mode.number), aroundWith(script));
+    CAPTURE(mode.number);
     CAPTURE(script.onPhone);
     CAPTURE(script.failAt);
-    CAPTURE(script.deadFromThen);
-    CAPTURE(script.failedCall);
+    CAPTURE(nameOf(script.kind));
+    CAPTURE(script.faultyCall);
     CAPTURE(outcome.errors);
-    CHECK(script.writeAfterFailedRead == "");
-    CHECK((outcome.exit != 0 || mayFail(script.failedCall)));
-    checkNothingLost(folder, phone, organizer, mode);
-    const End end = settle(folder, mode);
-    if (mode != 1) { // which objects mode 1 removes depends on what it found
-        CHECK(end.phone == wanted.phone);
-        CHECK(end.organizer == wanted.organizer);
+    ++sum.tried;
+    const bool told = outcome.exit != 0;
+    CHECK(script.faultyCall != "");
+    CHECK((told || !mustBeTold(script)));
+    if (spoilsAnswers(script.kind) && (outcome.exit == 3 || outcome.exit == 4)) {
+        sum.writtenAfterFailedRead += Sides(folder) == before ? 0 : 1;
     }
-    return true;
+    sum.writtenAfterFailedRead += script.writeAfterFailedRead.empty() ? 0 : 1;
+    CHECK(script.writeAfterFailedRead == "");
+    CHECK((script.writeDoneTwice == "" || (spoilsAnswers(script.kind) && !told)));
+    const int lost = lostSince(before, folder, script, mode.number);
+    CHECK(lost == 0);
+    sum.lost += lost;
+    const End& end = mode.endOf(folder);
+    if (spoilsAnswers(script.kind) && !told) {
+        ++sum.notTold;
+        return;
+    }
+    FaultSum now;
+    now.compare(mode.end.phone, end.phone);
+    now.compare(mode.end.organizer, end.organizer);
+    CHECK(now.duplicates == 0);
+    if (mode.number != 1) { // which objects mode 1 removes depends on what it found
+        CHECK(now.lost == 0);
+        sum.lost += now.lost;
+    }
+    sum.duplicates += now.duplicates;
 }
 
 } // namespace
 
 TEST_CASE("A fault at every call, in every mode") {
-    int faults = 0;
     if (std::filesystem::is_directory("/dev/shm")) {
         ::setenv("TMPDIR", "/dev/shm", 0); // thousands of runs, each of which waits for its disk
     }
-    for (const int mode : {1, 2, 3, 4}) {
-        const RunFolder clean(maximumFor(mode));
-        fill(clean);
-        const Tree phone = clean.tree("phone");
-        const Tree organizer = clean.tree("organizer");
-        CAPTURE(mode);
-        CHECK(clean.run(arguments(mode)).exit == 0);
-        checkNothingLost(clean, phone, organizer, mode);
-        CHECK((clean.tree("phone") != phone || clean.tree("organizer") != organizer));
-        const End wanted = settle(clean, mode);
-        for (const bool onPhone : {true, false}) {
-            for (const bool dead : {false, true}) {
-                FaultScript script;
-                script.onPhone = onPhone;
-                script.deadFromThen = dead;
-                for (script.failAt = 1; tryFault(mode, script, wanted); ++script.failAt) {
-                    ++faults;
+    FaultSum sum;
+    for (const int number : {1, 2, 3, 4}) {
+        Mode mode = withoutFault(number);
+        for (const FaultKind kind : kFaultKinds) {
+            for (const bool onPhone : {true, false}) {
+                const std::vector<CallKind>& calls = mode.calls[onPhone ? 1 : 0];
+                for (std::size_t k = 1; k <= calls.size(); ++k) {
+                    if (!spoilsAnswers(kind) || calls[k - 1] == CallKind::read) {
+                        FaultScript script;
+                        script.kind = kind;
+                        script.onPhone = onPhone;
+                        script.failAt = k;
+                        tryFault(sum, mode, script);
+                    }
                 }
             }
         }
     }
-    MESSAGE("faults tried: " << faults);
-    CHECK(faults > 200);
+    sum.tell("modes 1 to 4");
+    CHECK(sum.tried > 800);
+    CHECK(sum.nothingBad());
 }

@@ -71,8 +71,10 @@ StoredRun openCopy(const std::string& named) {
 
 class Restore {
 public:
-    Restore(const Options& options, RestoreReport& report, std::ostream& errors)
-        : options_(options), report_(report), errors_(errors), lock_(stateDirectory()) {}
+    Restore(const Options& options, RestoreReport& report, std::ostream& errors,
+            const Around& around)
+        : options_(options), report_(report), errors_(errors), around_(around),
+          lock_(stateDirectory()) {}
 
     void run() {
         takeLock();
@@ -161,6 +163,9 @@ private:
     }
 
     void open(StoreSide side, std::unique_ptr<StoreFiles> files) {
+        if (around_.files) {
+            files = around_.files(side, std::move(files));
+        }
         files->entries(run_.manifest.kinds); // reached, and can be listed
         platform::findUnnamed(run_, side, *files);
         of(side).files = std::move(files);
@@ -355,6 +360,7 @@ private:
     const Options& options_;
     RestoreReport& report_;
     std::ostream& errors_;
+    const Around& around_;
     platform::LockFile lock_;
     platform::SystemClock clock_;
     StoredRun run_;
@@ -369,11 +375,12 @@ private:
 
 } // namespace
 
-int restoreRun(const Options& options, std::ostream& out, std::ostream& errors) {
+int restoreRun(const Options& options, std::ostream& out, std::ostream& errors,
+               const Around& around) {
     RestoreReport report;
     report.dryRun = options.dryRun;
     try {
-        Restore(options, report, errors).run();
+        Restore(options, report, errors, around).run();
     } catch (const Stop& end) {
         report.exit = end.exit;
         report.entries.clear();

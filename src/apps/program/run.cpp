@@ -306,7 +306,7 @@ int runProgram(const std::string& programPath, const std::vector<std::string>& a
         return listBackups(options, out, errors);
     }
     if (options.restore) {
-        return restoreRun(options, out, errors);
+        return restoreRun(options, out, errors, around);
     }
     if (const auto status = endsAtOnce(options, errors)) {
         return *status;
