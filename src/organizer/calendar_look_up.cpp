@@ -86,10 +86,16 @@ private:
         return true;
     }
 
+    /// A row that lost its item when the organizer was read again still knows its identifier.
     bool isInTable(TextView uid) {
         const KeepPosition keep(table_);
         table_.MoveFirst();
-        return table_.Find(cal::UID, uid);
+        for (; table_.Find(cal::UID, uid); table_.MoveNext()) {
+            if (table_[cal::PIM]) {
+                return true;
+            }
+        }
+        return false;
     }
 
     [[nodiscard]] bool equalsOnPhone(const Table<Calendar>& organizer) const {

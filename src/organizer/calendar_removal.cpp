@@ -23,16 +23,17 @@ void countRemoval() {
 bool removeNow(Table<Calendar>& table) {
     const auto failure =
         attempt([&table] { calendarFolderInUse().GetItemFromID(table[cal::UID])->Delete(); });
-    if (failure && failure->Number == failure_number::kNoItem) {
-        return true;
+    const bool wasGone = failure && failure->Number == failure_number::kNoItem;
+    if (!wasGone) {
+        app.log.LogAction = tr(ids::kDeleted);
+        app.log.LogTransfer = tr(ids::kPIM);
+        LogTransferEntry(table, failure.value_or(Failure{}), kHere);
     }
-    app.log.LogAction = tr(ids::kDeleted);
-    app.log.LogTransfer = tr(ids::kPIM);
-    LogTransferEntry(table, failure.value_or(Failure{}), kHere);
-    if (!failure && !app.sync.GlobalTransferActive) {
+    const bool done = !failure || wasGone;
+    if (done && !app.sync.GlobalTransferActive) {
         countRemoval();
     }
-    return !failure;
+    return done;
 }
 
 } // namespace

@@ -61,14 +61,18 @@ void replaceObject(PhoneServer& server, const Text& full, TextView fileName, Tex
                    Date timestamp) {
     // Before the removal: a text that has no bytes must not cost the old object.
     std::string bytes = bytesOfText(text);
+    const bool removedFirst = isRemovedFirst(fileName);
     try {
-        if (isRemovedFirst(fileName)) {
+        if (removedFirst) {
             server.PXDDelete(full);
         }
         server.PXDWrite(full, CreateStream(std::move(bytes), timestamp, timestamp, timestamp), 0);
     } catch (...) {
-        // A link that dies between the two calls must not cost the entry.
-        static_cast<void>(attempt([&] { server.restoreDeleted(full); }));
+        // A link that dies between the two calls must not cost the entry. One that was removed on
+        // purpose, and whose number a new entry got, stays away.
+        if (removedFirst) {
+            static_cast<void>(attempt([&] { server.restoreDeleted(full); }));
+        }
         throw;
     }
 }

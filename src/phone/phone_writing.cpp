@@ -46,6 +46,17 @@ void countRemoval() {
     app.phone.vCalRead = flagOf(app.phone.vCalEntryCount >= 0);
 }
 
+/// The row of a pair can hold the organizer's description, longer or in another case, beside the
+/// phone's text. What the phone has and the table shows is what is sent.
+void describeAsShown(Table<Calendar>& row) {
+    const Text text(row[cal::Text]);
+    const Text description(row[cal::Description]);
+    const bool fits = description.size() <= kPhoneTextLength && description.size() != text.size();
+    if (!text.empty() && !fits && sameText(TextView(description).substr(0, text.size()), text)) {
+        row.set(cal::Description, text);
+    }
+}
+
 void queueWrite(Table<Calendar>& row) {
     row.set(cal::EntryPath, app.phone.GlobalMobilePaths.calendarDirectory);
     row.set(cal::EntryFile, decimal(row[cal::SubType]) + u".vcs");
@@ -90,6 +101,7 @@ bool SendSingleEntry(Table<Calendar>& row) {
         }
         const std::int16_t number = objectNumber(row);
         vcalTextCheck(row);
+        describeAsShown(row);
         const Text object = calendarObject(row);
         if (app.core.GlobalCommandShowText) {
             app.ports.screen.boxes->ask(app.core.applicationTitle, object, Icon::information,

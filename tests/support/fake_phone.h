@@ -123,8 +123,9 @@ public:
 
     void flush() override { begin(u"flush", {}); }
 
-    /// The program's server object leads here from now on.
+    /// The program's server object leads here from now on. What an earlier run deleted is forgotten.
     void connect() {
+        deleted_.clear();
         app.ports.makePhoneServer = [this] { return std::make_unique<Handle>(*this); };
         MobilePaths& paths = app.phone.GlobalMobilePaths;
         paths.rootDirectory = u"\\telecom\\";
