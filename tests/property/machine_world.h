@@ -1,0 +1,251 @@
+#pragma once
+
+// What the state machine works on: the phone and the organizer in memory, made able to do what was
+// asked and lose the answer, a user who may press Cancel, and what both sides hold, told in a form
+// that two of them can be compared in.
+
+#include "organizer/calendar_reading.h"
+#include "phone/phone_dialog_reading.h"
+#include "sync/sync_world.h"
+
+#include <compare>
+#include <random>
+
+namespace tandolin::testing {
+
+struct Dice {
+    std::mt19937 engine;
+
+    int upTo(int most) { return static_cast<int>(engine() % static_cast<unsigned>(most + 1)); }
+
+    /// True once in so many times.
+    bool once(int in) { return upTo(in - 1) == 0; }
+
+    template <class Choices>
+    auto one(const Choices& choices) {
+        return *(std::begin(choices) + upTo(static_cast<int>(std::ssize(choices)) - 1));
+    }
+};
+
+/// A phone that can store or remove and then lose the answer.
+struct LossyPhone : FakePhone {
+    int lostAnswer = 0; ///< from 1: this store or removal is done and fails all the same
+    bool answerWasLost = false;
+
+    void PXDDelete(TextView path) override {
+        FakePhone::PXDDelete(path);
+        answer();
+    }
+
+    void PXDWrite(TextView path, const PXDStream& stream, int flags) override {
+        FakePhone::PXDWrite(path, stream, flags);
+        answer();
+    }
+
+private:
+    void answer() {
+        if (lostAnswer > 0 && --lostAnswer == 0) {
+            answerWasLost = true;
+            throw Failure(failure_number::kServerFailed, u"the answer was lost");
+        }
+    }
+};
+
+/// An organizer that can do the same.
+struct LossyOrganizer : FakeOrganizer {
+    int lostAnswer = 0;
+    bool answerWasLost = false;
+
+    std::unique_ptr<AppointmentItem> CreateItem() override {
+        return std::make_unique<LossyItem>(*this, FakeOrganizer::CreateItem());
+    }
+
+    std::unique_ptr<AppointmentItem> GetItemFromID(TextView entryID) override {
+        return std::make_unique<LossyItem>(*this, FakeOrganizer::GetItemFromID(entryID));
+    }
+
+private:
+    struct LossyItem : AppointmentItem {
+        LossyItem(LossyOrganizer& organizer, std::unique_ptr<AppointmentItem> item)
+            : organizer_(organizer), item_(std::move(item)) {}
+
+        [[nodiscard]] AppointmentFacts facts() const override { return item_->facts(); }
+
+        void setSubject(TextView subject) override { item_->setSubject(subject); }
+
+        void setStart(Date start) override { item_->setStart(start); }
+
+        void setEnd(Date end) override { item_->setEnd(end); }
+
+        void setMeetingStatus(int status) override { item_->setMeetingStatus(status); }
+
+        void setReminderSet(bool on) override { item_->setReminderSet(on); }
+
+        void setRecurrencePattern(const RecurrencePattern& pattern) override {
+            item_->setRecurrencePattern(pattern);
+        }
+
+        void ClearRecurrencePattern() override { item_->ClearRecurrencePattern(); }
+
+        void Save() override {
+            item_->Save();
+            answer();
+        }
+
+        void Delete() override {
+            item_->Delete();
+            answer();
+        }
+
+    private:
+        void answer() const {
+            if (organizer_.lostAnswer > 0 && --organizer_.lostAnswer == 0) {
+                organizer_.answerWasLost = true;
+                throw Failure(failure_number::kOrganizerFailed, u"the answer was lost");
+            }
+        }
+
+        LossyOrganizer& organizer_;
+        std::unique_ptr<AppointmentItem> item_;
+    };
+};
+
+/// A user who presses Cancel at the n-th look at the button, and means it.
+struct ImpatientScreen : ScriptedScreen {
+    int cancelAt = 0;
+    bool meansIt = false;
+
+    bool cancelPressed() override {
+        meansIt = meansIt || cancelAt == 1;
+        return --cancelAt == 0;
+    }
+
+    Answer ask(TextView title, TextView text, Icon icon, Buttons buttons) override {
+        boxesShown.clear();
+        statusTexts.clear();
+        if (buttons == Buttons::yesNo && meansIt) {
+            return Answer::yes;
+        }
+        return ScriptedScreen::ask(title, text, icon, buttons);
+    }
+};
+
+/// What an object of the phone says.
+struct Told {
+    char kind = 'M';
+    Date start;
+    Date end;
+    std::string text;
+    std::string rule; ///< as in the object
+    std::string alarm;
+
+    friend bool operator==(const Told&, const Told&) = default;
+
+    [[nodiscard]] bool isSeries() const { return !rule.empty(); }
+
+    [[nodiscard]] std::string line() const { return lineOf("", kind, start, text, rule); }
+};
+
+inline Date dateOfObject(const std::string& value) {
+    const auto part = [&](std::size_t from, std::size_t length) {
+        return std::stoi(value.substr(from, length));
+    };
+    return value.empty() ? Date{0}
+                         : at(part(0, 4), part(4, 2), part(6, 2), part(9, 2), part(11, 2));
+}
+
+inline Told toldBy(const std::string& object) {
+    Told told;
+    const auto kind = std::ranges::find(kKinds, propertyOf(object, "CATEGORIES"),
+                                        [](const NamedKind& k) { return std::string(k.category); });
+    told.kind = kind == kKinds.end() ? '?' : kind->letter;
+    told.start = dateOfObject(propertyOf(object, "DTSTART"));
+    told.end = dateOfObject(propertyOf(object, "DTEND"));
+    told.text = propertyOf(object, "DESCRIPTION");
+    told.rule = propertyOf(object, "RRULE");
+    told.alarm = propertyOf(object, "AALARM");
+    return told;
+}
+
+inline bool sameFacts(const AppointmentFacts& a, const AppointmentFacts& b) {
+    const auto facts = [](const AppointmentFacts& f) {
+        return std::tie(f.EntryID, f.Subject, f.Start, f.End, f.MeetingStatus, f.AllDayEvent,
+                        f.ReminderSet, f.ReminderMinutesBeforeStart, f.IsRecurring,
+                        f.Details.Exceptions, f.Details.Occurrences, f.File);
+    };
+    return facts(a) == facts(b) && (!a.IsRecurring || a.Pattern == b.Pattern);
+}
+
+inline std::string lineOfItem(const AppointmentFacts& item) {
+    const auto rule = std::ranges::find(kRules, item.Pattern.RecurrenceType,
+                                        [](const auto& named) { return named.second; });
+    return lineOf(toUtf8(item.EntryID), item.MeetingStatus == 1 ? 'B' : 'M', item.Start,
+                  toUtf8(item.Subject), item.IsRecurring ? rule->first : "");
+}
+
+/// What both sides hold at a moment.
+struct Holdings {
+    std::map<int, std::string> phone; ///< bytes by number
+    std::map<Text, AppointmentFacts> organizer;
+};
+
+struct MachineWorld : FreshProgram {
+    LossyPhone phone;
+    LossyOrganizer organizer;
+    ImpatientScreen user;
+    Table<Calendar>& table = tables.RSCalendar;
+    Table<Calendar>& queue = tables.RSCalendarSave;
+
+    MachineWorld() {
+        app.ports.screen = {&user, &user, &user};
+        phone.connect();
+        organizer.connect();
+        LogInit();
+        app.core.GlobalADOAvailable = kTrue;
+        app.phone.acceptEmptyPhone = true;
+        app.sync.DateFrameFrom = app.sync.GlobalPeriodStart = at(2026, 11, 1);
+        app.sync.DateFrameTo = app.sync.GlobalPeriodEnd = at(2027, 12, 31, 23, 59, 59);
+        app.settings.SyncEintraegevonbis = u"2026-11-21\t2026-12-31 23:59:59";
+        app.settings.SyncEintraegeab = at(2026, 11, 22);
+        app.settings.SyncnaechstenAnzahl = 2;
+    }
+
+    static Text pathOf(int number) {
+        return Text(FakePhone::kCalendar) + decimal(number) + u".vcs";
+    }
+
+    [[nodiscard]] int room() const { return phone.maximumRecords.at(Text(FakePhone::kCalendar)); }
+
+    [[nodiscard]] Holdings holdings() const {
+        Holdings now;
+        for (const auto& [path, bytes] : phone.files) {
+            if (path.starts_with(FakePhone::kCalendar) && path.ends_with(u".vcs")) {
+                now.phone[static_cast<int>(leadingNumber(path.substr(13)))] = bytes;
+            }
+        }
+        now.organizer = organizer.items;
+        return now;
+    }
+
+    [[nodiscard]] bool phoneFailed() const {
+        return phone.answerWasLost ||
+               (phone.fault.call != 0 && phone.calls.size() >= phone.fault.call);
+    }
+
+    [[nodiscard]] bool organizerFailed() const {
+        return organizer.answerWasLost ||
+               (organizer.fault.call != 0 && organizer.calls.size() >= organizer.fault.call);
+    }
+
+    /// Both sides work again, and count their calls from 1.
+    void heal() {
+        phone.calls.clear();
+        organizer.calls.clear();
+        phone.fault = {};
+        organizer.fault = {};
+        phone.lostAnswer = organizer.lostAnswer = user.cancelAt = 0;
+        phone.answerWasLost = organizer.answerWasLost = user.meansIt = false;
+    }
+};
+
+} // namespace tandolin::testing

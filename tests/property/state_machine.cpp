@@ -1,0 +1,486 @@
+// Random steps of everybody who changes a phone and an organizer: other programs, the user at the
+// table, the queue, AutoSync in every mode and frame, with faults and cancels at random moments.
+// After each step a model says what may have happened. TANDOLIN_SEED gives a run back, and with
+// TANDOLIN_EPISODE one episode of it alone; TANDOLIN_STEPS says how long to go on.
+
+#include "phone/object_store.h"
+#include "phone/phone_info.h"
+#include "property/machine_user.h"
+#include "property/seed.h"
+#include "sync/autosync_frame.h"
+
+using namespace tandolin;
+using namespace tandolin::testing;
+
+namespace {
+
+/// Steps from an empty start on; then another phone and organizer begin.
+constexpr int kEpisode = 60;
+
+struct Machine : UserMachine {
+    Holdings beforeStep;
+    int items = 0;
+    int quiet = 0;
+    int restless = 0; ///< second runs that still wrote
+
+    explicit Machine(std::mt19937 engine) {
+        dice.engine = engine;
+        phone.maximumRecords[Text(FakePhone::kCalendar)] = dice.once(3) ? 8 + dice.upTo(12) : 500;
+        app.settings.SaveTyp = dice.one(std::array<std::int16_t, 2>{1, 2});
+        for (int i = dice.upTo(8); i > 0; --i) {
+            dice.once(2) ? addObject() : addItem();
+        }
+    }
+
+    // Other programs
+
+    std::string addObject() {
+        if (std::ssize(holdings().phone) >= room()) {
+            return "phone full";
+        }
+        int number = 1 + dice.upTo(std::min(room(), 40) - 1);
+        while (phone.files.contains(pathOf(number))) {
+            number = number % room() + 1;
+        }
+        const std::string what = line(true);
+        EntryLine entry(what);
+        entry.text = onPhone(entry.kind, entry.text);
+        phone.files[pathOf(number)] = objectOf(entry);
+        return "phone gets " + std::to_string(number) + ' ' + what;
+    }
+
+    std::string changePhone() {
+        const Holdings now = holdings();
+        stale = true;
+        if (now.phone.empty() || dice.once(2)) {
+            return addObject();
+        }
+        const int number =
+            std::next(now.phone.begin(), dice.upTo(static_cast<int>(now.phone.size()) - 1))->first;
+        phone.files.erase(pathOf(number));
+        if (dice.once(2)) {
+            return "phone loses " + std::to_string(number);
+        }
+        EntryLine entry(line(true));
+        entry.text = onPhone(entry.kind, entry.text);
+        phone.files[pathOf(number)] = objectOf(entry);
+        return "phone changes " + std::to_string(number) + " to " + toldBy(objectOf(entry)).line();
+    }
+
+    std::string addItem() {
+        const std::string what = line(true);
+        const EntryLine entry(what);
+        AppointmentFacts& item =
+            organizer.add(u"u" + decimal(++items), entry.start, fromUtf8(entry.text));
+        item.MeetingStatus = entry.kind == 'B' ? 1 : 0;
+        item.ReminderSet = dice.once(4);
+        item.ReminderMinutesBeforeStart = item.ReminderSet ? 15 : 0;
+        for (const auto& [name, kind] : kRules) {
+            if (!entry.rule.empty() && std::toupper(name[0]) == entry.rule.front()) {
+                organizer.makeSeries(item, kind,
+                                     kind == OlRecurrence::daily ? 1 + dice.upTo(2) : 1);
+                item.Details.Exceptions = dice.upTo(1);
+            }
+        }
+        return "organizer gets u" + std::to_string(items) + ' ' + what;
+    }
+
+    std::string changeOrganizer() {
+        if (organizer.items.empty() || dice.once(2)) {
+            return addItem();
+        }
+        const auto item = std::next(organizer.items.begin(),
+                                    dice.upTo(static_cast<int>(organizer.items.size()) - 1));
+        const std::string uid = toUtf8(item->first);
+        if (dice.once(2)) {
+            organizer.items.erase(item);
+            return "organizer loses " + uid;
+        }
+        item->second.Subject = fromUtf8(text('M'));
+        return "organizer changes " + lineOfItem(item->second);
+    }
+
+    // Faults
+
+    std::string plantFault() {
+        heal();
+        listen();
+        if (!dice.once(4)) {
+            return {};
+        }
+        const int size = static_cast<int>(holdings().phone.size() + organizer.items.size());
+        const auto call = static_cast<std::size_t>(1 + dice.upTo(dice.once(2) ? 4 : 2 * size + 12));
+        const bool dead = dice.once(2);
+        switch (dice.upTo(4)) {
+        case 0:
+            phone.fault.call = call;
+            phone.fault.deadFromThen = dead;
+            phone.fault.failure.Number =
+                dice.one(std::array{failure_number::kServerFailed, failure_number::kServerGone});
+            return " [phone call " + std::to_string(call) + (dead ? " dead]" : " fails]");
+        case 1:
+            organizer.fault.call = call;
+            organizer.fault.deadFromThen = dead;
+            organizer.fault.failure.Number =
+                dice.one(std::array{failure_number::kOrganizerFailed, failure_number::kDiskFull});
+            return " [organizer call " + std::to_string(call) + (dead ? " dead]" : " fails]");
+        case 2:
+            phone.lostAnswer = 1 + dice.upTo(3);
+            return " [phone answer " + std::to_string(phone.lostAnswer) + " lost]";
+        case 3:
+            organizer.lostAnswer = 1 + dice.upTo(3);
+            return " [organizer answer " + std::to_string(organizer.lostAnswer) + " lost]";
+        default:
+            user.cancelAt = static_cast<int>(call);
+            return " [cancel at " + std::to_string(call) + "]";
+        }
+    }
+
+    // AutoSync
+
+    SyncPlan makePlan() {
+        app.settings.SyncTyp = dice.one(std::array<std::int16_t, 4>{1, 2, 3, 4});
+        app.settings.SyncZeitraum = dice.one(std::array<std::int16_t, 4>{1, 2, 3, 4});
+        app.settings.SyncAlarmAnzahl = static_cast<std::int16_t>(1 + dice.upTo(12));
+        app.settings.SyncTageWochenMonate = static_cast<std::int16_t>(dice.upTo(2));
+        app.settings.SyncTermine = dice.one(std::array<std::int16_t, 4>{32, 32, 1, 3});
+        SyncPlan plan{app.settings.SyncTyp, app.settings.SyncZeitraum, room(),
+                      app.settings.SyncAlarmAnzahl};
+        if (plan.frame != 1) {
+            plan.organizerRows = static_cast<int>(inFrame().size());
+        }
+        return plan;
+    }
+
+    std::set<Text> inFrame() {
+        std::set<Text> uids;
+        const DateFrame frame = frameOfSettings();
+        for (const auto* item = organizer.Find({frame.from, frame.to}); item != nullptr;
+             item = organizer.FindNext()) {
+            uids.insert(item->EntryID);
+        }
+        return uids;
+    }
+
+    std::ptrdiff_t writes() const {
+        return phone.callsOf(u"PXDWrite") + phone.callsOf(u"PXDDelete") +
+               organizer.callsOf(u"Save") + organizer.callsOf(u"Delete");
+    }
+
+    void runAutoSync() {
+        app.core.GlobalSilentMode = kTrue;
+        app.run = {};
+        LogInit();
+        failuresBefore = app.log.LogTransferFehler;
+        PXDInfoAll(phoneServer(), app.phone.GlobalMobilePaths);
+        SilentAutoSyncvCal();
+        stale = true;
+    }
+
+    /// AutoSync is a process of its own: it begins with empty tables.
+    void endSession() {
+        askFirst();
+        vCalReset(table);
+        app.phone.vCalEntryCount = 0;
+        app.phone.MobileConnected = kFalse;
+        app.organizer.calendarFolder = nullptr;
+        app.phone.PXDServer.reset();
+        app.log.LogErrorFlag = kFalse;
+        phone.connect();
+        heal();
+        beforeStep = holdings();
+    }
+
+    void sync() {
+        endSession();
+        const SyncPlan plan = makePlan();
+        const std::string fault = plantFault();
+        say("AutoSync mode " + std::to_string(plan.mode) + " frame " + std::to_string(plan.frame) +
+            " kinds " + std::to_string(app.settings.SyncTermine) + fault);
+        const Holdings before = holdings();
+        runAutoSync();
+        const Holdings after = holdings();
+        requireKept(plan, before, after);
+        requireNoMoreCopies(plan, before, after);
+        requireNothingAfterFailedRead();
+        requireEnded();
+        const bool clean = !phoneFailed() && !organizerFailed() && !user.meansIt;
+        const bool failed = phoneFailed() || organizerFailed();
+        require(!failed || wasTold() || onlyUnheard(), "a fault without a word");
+        require(!clean || app.run.failures == 0, "a failure without a fault");
+        heal();
+        if (clean) {
+            requireComplete(plan, after);
+            requireQuiet(plan, before);
+        }
+    }
+
+    /// Faults in calls whose failure loses nothing.
+    [[nodiscard]] bool onlyUnheard() const {
+        const auto at = [](const auto& side) {
+            return side.fault.call != 0 && side.calls.size() >= side.fault.call
+                       ? side.calls[side.fault.call - 1]
+                       : Text();
+        };
+        return at(phone).starts_with(u"restoreDeleted") || at(organizer) == u"Name";
+    }
+
+    void requireNothingAfterFailedRead() {
+        const auto isRead = [](const Text& call) {
+            return call.starts_with(u"PXDList") || call.ends_with(u".vcs");
+        };
+        if (phone.fault.call != 0 && phone.calls.size() >= phone.fault.call) {
+            const Text& call = phone.calls[phone.fault.call - 1];
+            // A listing that fails looks like an empty one; on an empty phone it may be one.
+            if (call.starts_with(u"PXDList") && beforeStep.phone.empty()) {
+                return;
+            }
+            const bool read = call.starts_with(u"PXDList") || call.starts_with(u"PXDRead");
+            require(!read || !isRead(call) || writes() == 0,
+                    "written after a failed read of the phone");
+        }
+        if (organizer.fault.call != 0 && organizer.calls.size() >= organizer.fault.call &&
+            organizer.callsOf(u"Find") <= 1 && organizer.callsOf(u"Save") == 0 &&
+            organizer.callsOf(u"CreateItem") == 0) {
+            require(writes() == 0 || organizer.callsOf(u"Find") > 0,
+                    "written after a failed read of the organizer");
+        }
+    }
+
+    void requireEnded() {
+        require(table.isEmpty() && app.phone.vCalEntryCount == 0 &&
+                    app.organizer.vCalPIMCount == 0 && !app.phone.vCalRead &&
+                    !app.organizer.vCalPIMRead && !app.sync.AutoSyncRunning,
+                "AutoSync left its table or its flags behind");
+    }
+
+    /// Nothing that was to be copied is missing, where room and frame leave no doubt.
+    void requireComplete(const SyncPlan& plan, const Holdings& after) {
+        if (plan.room < 500 || app.settings.SyncTermine != 32 || plan.frame == 1) {
+            return;
+        }
+        const auto onPhone = countClasses(after.phone);
+        const auto inOrganizer = countClasses(after.organizer);
+        if (plan.mode != 3) {
+            for (const Text& uid : inFrame()) {
+                const std::string key = classOf(after.organizer.at(uid));
+                require(onPhone.contains(key) || heldInOtherWords(after, after.organizer.at(uid)),
+                        "not sent: " + lineOfItem(after.organizer.at(uid)));
+            }
+        }
+        if (plan.mode == 3) {
+            for (const auto& [number, bytes] : after.phone) {
+                require(inOrganizer.contains(classOf(bytes)) || toldBy(bytes).kind == 'C',
+                        "not created: " + toldBy(bytes).line());
+            }
+        }
+    }
+
+    /// A phone call holds the digits alone.
+    static bool heldInOtherWords(const Holdings& now, const AppointmentFacts& item) {
+        return std::ranges::any_of(now.phone, [&](const auto& object) {
+            const Told told = toldBy(object.second);
+            return told.kind == 'C' && told.start == item.Start;
+        });
+    }
+
+    void requireQuiet(const SyncPlan& plan, const Holdings& before) {
+        if (plan.mayRemove(static_cast<int>(before.phone.size())) > 0 || !dice.once(3)) {
+            return;
+        }
+        for (int run = 2; run <= 3; ++run) {
+            heal();
+            runAutoSync();
+            if (writes() == 0) {
+                quiet += run == 2 ? 1 : 0;
+                restless += run == 3 ? 1 : 0;
+                return;
+            }
+            say("  run " + std::to_string(run) + " wrote");
+        }
+        throw Violation{"the third run still writes"};
+    }
+
+    // The driver
+
+    void userAct() {
+        if (stale) {
+            askFirst();
+            heal();
+            readBoth();
+        }
+        require(!stale, "a read without a fault failed");
+        app.core.GlobalSilentMode = kFalse;
+        const std::string fault =
+            app.settings.SaveTyp == 1 ? plantFault() : (heal(), listen(), std::string());
+        user.cancelAt = 0;
+        if (!fault.empty()) {
+            say(fault);
+        }
+        if (dice.once(4) || !pickRow()) {
+            add();
+        } else {
+            switch (dice.upTo(4)) {
+            case 0:
+                remove();
+                break;
+            case 1:
+                tick();
+                break;
+            default:
+                edit();
+            }
+        }
+        heal();
+    }
+
+    /// A read that removes the phone's past entries, at once or through the queue.
+    void autodelete() {
+        askFirst();
+        app.settings.Autodel = 1;
+        app.settings.DelOption = 3;
+        app.settings.DelTermine = 32;
+        app.settings.DelSerie = 0;
+        const std::string fault = plantFault();
+        say("read with Autodelete" + fault);
+        app.core.GlobalSilentMode = kFalse;
+        const Holdings before = holdings();
+        const bool read = vCalReadMobile(false) && vCalReadOutlook(table, false);
+        app.settings.Autodel = 0;
+        stale = true;
+        Wishes past;
+        for (const auto& [number, bytes] : before.phone) {
+            const Told told = toldBy(bytes);
+            if (told.start < clock.moment && !told.isSeries()) {
+                Wish wish;
+                wish.onPhone = wish.removal = true;
+                wish.number = number;
+                past.emplace(std::pair(-number, true), wish);
+            }
+        }
+        const bool atOnce = app.settings.SaveTyp == 1;
+        const auto served = servedWishes(atOnce ? past : Wishes{}, before, holdings());
+        require(read || wasTold(), "a read failed without a word");
+        require(!read || user.meansIt || !atOnce || served.size() == past.size(),
+                "a past entry stayed on the phone");
+        for (queue.MoveFirst(); !queue.atEnd(); queue.MoveNext()) {
+            const auto wish = past.find({-queue[cal::SubType], true});
+            require(wish != past.end() && queue[cal::TransferMode] == kTransferRemove,
+                    "Autodelete queued something else");
+            queue.set(cal::ChangeString, decimal(nextTag));
+            wishes.emplace(std::pair(nextTag++, true), wish->second);
+        }
+        heal();
+    }
+
+    void step() {
+        Holdings now = holdings();
+        for (const auto& [number, bytes] : beforeStep.phone) {
+            if (!now.phone.contains(number)) {
+                removedObjects.insert(bytes);
+            }
+        }
+        beforeStep = std::move(now);
+        switch (dice.upTo(12)) {
+        case 0:
+            if (std::ranges::none_of(wishes, [](const auto& w) { return w.second.onPhone; })) {
+                say(changePhone());
+            }
+            break;
+        case 1:
+        case 2:
+            say(changeOrganizer());
+            break;
+        case 3:
+        case 4:
+        case 5:
+            sync();
+            break;
+        case 6: {
+            const std::string fault = plantFault();
+            say("transfer of " + std::to_string(queue.recordCount()) + fault);
+            transfer();
+            heal();
+            break;
+        }
+        case 7:
+            if (queue.isEmpty()) {
+                app.settings.SaveTyp = app.settings.SaveTyp == 1 ? 2 : 1;
+                say("SaveTyp " + std::to_string(app.settings.SaveTyp));
+            }
+            break;
+        case 8:
+            autodelete();
+            break;
+        default:
+            userAct();
+        }
+    }
+
+    /// Goes through one episode; what was wrong, if anything was.
+    std::string violation() {
+        int number = 0;
+        try {
+            for (; number < kEpisode; ++number) {
+                step();
+            }
+            return {};
+        } catch (const Violation& violation) {
+            return " step " + std::to_string(number) + ": " + violation.what;
+        } catch (const Failure& failure) {
+            return " step " + std::to_string(number) +
+                   ": a failure left its procedure: " + toUtf8(failure.Description);
+        }
+    }
+
+    [[nodiscard]] std::string story() const {
+        std::string all;
+        for (const std::string& words : history) {
+            all += "\n  " + words;
+        }
+        return all + "\nbefore this step" + linesOf(beforeStep) + "\nnow" + linesOf(holdings());
+    }
+
+    static std::string linesOf(const Holdings& holdings) {
+        std::string all;
+        for (const auto& [number, bytes] : holdings.phone) {
+            all += "\n  phone " + std::to_string(number) + toldBy(bytes).line();
+        }
+        for (const auto& [uid, item] : holdings.organizer) {
+            all += "\n  organizer " + lineOfItem(item);
+        }
+        return all;
+    }
+};
+
+int numberFrom(const char* name, int otherwise) {
+    const char* given = std::getenv(name);
+    return given == nullptr ? otherwise : std::atoi(given);
+}
+
+} // namespace
+
+TEST_CASE("The state machine: whatever happens, nothing is lost, doubled or silent") {
+    const unsigned seed = seedOfRun();
+    const int steps = numberFrom("TANDOLIN_STEPS", TANDOLIN_MACHINE_STEPS);
+    const int only = numberFrom("TANDOLIN_EPISODE", -1);
+    int violations = 0;
+    int quiet = 0;
+    int restless = 0;
+    for (int episode = std::max(only, 0); episode * kEpisode < steps || episode == only;
+         ++episode) {
+        std::seed_seq seeds{seed, static_cast<unsigned>(episode)};
+        Machine machine{std::mt19937(seeds)};
+        if (const std::string what = machine.violation(); !what.empty()) {
+            ++violations;
+            FAIL_CHECK("TANDOLIN_SEED=" << seed << " TANDOLIN_EPISODE=" << episode << what
+                                        << machine.story());
+        }
+        quiet += machine.quiet;
+        restless += machine.restless;
+        if (episode == only || violations >= 20) {
+            break;
+        }
+    }
+    MESSAGE("second runs: " << quiet << " quiet, " << restless << " not yet");
+}
