@@ -20,8 +20,7 @@ class LookUp {
 public:
     explicit LookUp(Table<Calendar>& table) : table_(table) {}
 
-    /// What starts within the hour may be asked for, but only what starts at the moment itself can
-    /// be the entry: rows pair by their start.
+    /// Only what starts at the moment itself can be the entry: rows pair by their start.
     void startingAt(Date start) {
         // Taking an item may open it, which ends the search: the items are taken behind it.
         std::vector<AppointmentFacts> items;

@@ -108,13 +108,6 @@ void cutFrame(Table<Calendar>& table, const TakenItems& taken) {
     if (table.Find(cal::UID, taken.inOrder().back())) {
         app.sync.DateFrameTo = dateFromSeconds(wholeDay(table[cal::StartDate]).seconds() + 86399);
     }
-    for (const Text& uid : taken.inOrder()) {
-        table.MoveFirst();
-        if (table.Find(cal::UID, uid) && table[cal::IsRecurring] &&
-            !vCalClearSerieRecords(table, table[cal::EntryID])) {
-            return;
-        }
-    }
 }
 
 bool alreadyNoted(TextView file) {

@@ -48,7 +48,9 @@ bool RemoveEntryFromOutlook(Table<Calendar>& table) {
             }
             result = true;
         } else {
-            result = !app.organizer.OrganizerPresent || removeNow(table);
+            // While it is away a transfer keeps what was queued for it.
+            result =
+                app.organizer.OrganizerPresent ? removeNow(table) : !app.sync.GlobalTransferActive;
         }
     });
 }

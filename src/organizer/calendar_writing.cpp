@@ -115,21 +115,34 @@ void changeItem(Table<Calendar>& row) {
     }
 }
 
-bool writeNow(Table<Calendar>& table, bool isNew) {
-    if (!table[cal::PIM] || !app.organizer.OrganizerPresent) {
-        return false;
+void requireSide(const Table<Calendar>& row) {
+    if (!row[cal::PIM]) {
+        throw Failure(failure_number::kOrganizer, u"The entry has no side in the organizer");
     }
-    const auto failure = attempt([&] { isNew ? createItem(table) : changeItem(table); });
+}
+
+/// Wanted: a write to the organizer is logged as created, whatever it was.
+void logWrite(const Table<Calendar>& row, const Failure& failure) {
+    app.log.LogAction = tr(ids::kCreated);
+    app.log.LogTransfer = tr(ids::kPIM);
+    LogTransferEntry(row, failure, kHere);
+}
+
+bool writeNow(Table<Calendar>& table, bool isNew) {
+    const auto failure = attempt([&] {
+        requireSide(table);
+        if (!app.organizer.OrganizerPresent) {
+            throw Failure(failure_number::kOrganizer, u"There is no organizer");
+        }
+        isNew ? createItem(table) : changeItem(table);
+    });
     if (failure && failure->Number == failure_number::kDiskFull) {
         app.run.diskFull = true;
     }
     if (!failure) {
         table.endEdit();
     }
-    // Wanted: a write to the organizer is logged as created, whatever it was.
-    app.log.LogAction = tr(ids::kCreated);
-    app.log.LogTransfer = tr(ids::kPIM);
-    LogTransferEntry(table, failure.value_or(Failure{}), kHere);
+    logWrite(table, failure.value_or(Failure{}));
     return !failure;
 }
 
@@ -139,6 +152,10 @@ bool WriteOutlookEntry(Table<Calendar>& table, bool isNew) {
     return trapped(kHere, false, [&](bool& result) {
         if (!changesAreQueued()) {
             result = writeNow(table, isNew);
+            return;
+        }
+        if (const auto failure = attempt([&] { requireSide(table); })) {
+            logWrite(table, *failure);
             return;
         }
         if (queueOrganizerWrite(table, isNew)) {

@@ -106,13 +106,18 @@ TEST_CASE("Only rows with an organizer's side are written, and a failure is in t
     OrganizerWorld world;
     Table<Calendar>& row = rowToWrite(at(2026, 11, 24, 9), u"A");
     SUBCASE("no such side") {
-        row.set(cal::PIM, false);
-        CHECK_FALSE(WriteOutlookEntry(row, true));
-        CHECK(logTables.calendar.isEmpty());
+        for (const std::int16_t saveTyp : std::initializer_list<std::int16_t>{1, 2}) {
+            app.settings.SaveTyp = saveTyp;
+            row.set(cal::PIM, false);
+            CHECK_FALSE(WriteOutlookEntry(row, true));
+            CHECK(app.log.LogTransferFehler == saveTyp);
+            CHECK(tables.RSCalendarSave.isEmpty());
+        }
     }
     SUBCASE("no organizer") {
         app.organizer.OrganizerPresent = kFalse;
         CHECK_FALSE(WriteOutlookEntry(row, true));
+        CHECK(app.log.LogTransferFehler == 1);
     }
     SUBCASE("the disk is full") {
         world.organizer.fault = {3, {failure_number::kDiskFull, u"full"}, false}; // its Save
