@@ -1,10 +1,12 @@
 #include "apps/silent_run.h"
 
+#include "core/busy_pointer.h"
 #include "core/state.h"
 #include "core/trap.h"
 #include "log/log_text.h"
 #include "organizer/calendar_reading.h"
 #include "sync/autosync.h"
+#include "sync/store_flush.h"
 
 namespace tandolin {
 
@@ -12,38 +14,23 @@ namespace {
 
 constexpr TextView kModule = u"Main_Modul";
 
-/// What a store could not bring to the disk is a failure of the run, like a failed entry.
-void flushStores() {
-    for (const auto& flush : {+[] {
-                                  if (app.phone.PXDServer != nullptr) {
-                                      app.phone.PXDServer->flush();
-                                  }
-                              },
-                              +[] {
-                                  if (app.organizer.MOL != nullptr) {
-                                      app.organizer.MOL->flush();
-                                  }
-                              }}) {
-        if (auto failure = attempt(flush)) {
-            app.run.entriesFailed = true;
-            ReportError(*failure, {kModule, u"SilentAutoSync"});
-        }
-    }
-}
-
 } // namespace
 
 void SilentAutoSync() {
-    trapped({kModule, u"SilentAutoSync"}, [] {
+    static constexpr Place here{kModule, u"SilentAutoSync"};
+    trapped(here, [] {
         app.settings.SaveTyp = 1;
-        app.ports.screen.window->busy(true);
-        app.status.Start(tr(ids::kProgramTitle));
-        app.status.showButtons(true, false);
-        app.status.SetText(tr(ids::kAutoSyncWait));
-        SilentAutoSyncvCal();
-        flushStores();
-        LogInitlogSummaryform();
-        app.ports.screen.window->busy(false);
+        {
+            const BusyPointer busy;
+            app.status.Start(tr(ids::kProgramTitle));
+            app.status.showButtons(true, false);
+            app.status.SetText(tr(ids::kAutoSyncWait));
+            SilentAutoSyncvCal();
+            // What a store could not bring to the disk is a failure of the run, like a failed
+            // entry.
+            app.run.entriesFailed = !flushStores(here) || app.run.entriesFailed;
+            LogInitlogSummaryform();
+        }
         app.status.Quit();
         app.ports.screen.window->runModal(Form::logSummaryForm);
     });

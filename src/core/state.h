@@ -49,6 +49,8 @@ struct CoreState {
     Flag GlobalADOAvailable;
     std::int16_t GlobalPIMErrorCount = 0;
     std::int16_t GlobalProgramFehler = 0;
+    /// Actions that show the hourglass, one within the other.
+    int busyActions = 0;
     ProgramErrorHook programErrorHook = nullptr;
     /// What the program installs that shows failures as they happen, from the first step on.
     ProgramErrorHook failureListener = nullptr;
@@ -89,7 +91,8 @@ struct PhoneState {
     Text MobileModel;
     std::int16_t vCalMaxRecords = 0;
     std::int16_t vCalMaxEntries = 0;
-    std::int16_t vCalTotalRecords = 0;
+    /// -1 until a status file has told it.
+    std::int16_t vCalTotalRecords = -1;
     std::int16_t vCardMaxEntries = 0;
     std::int16_t vCardTotalRecords = 0;
     std::int16_t LastUsedIndex = 0;
@@ -102,12 +105,14 @@ struct PhoneState {
     /// The numbers of the objects on the phone, from one listing, where the table does not show
     /// them.
     std::optional<std::set<int>> numbersOnPhone;
-    /// Numbers that were given without such a listing: asked for again before their first write.
+    /// Numbers that were given without such a listing. Their entries have no object yet, and
+    /// an object of the number may be another's: the phone is asked before the first write.
     std::set<int> numbersGivenUnseen;
     /// By number, the objects read that hold more than the organizer would take.
     std::map<std::int32_t, ObjectLosses> losses;
-    /// Phone rows were taken out of `RSCalendar` since the read.
-    bool phoneRowsCleared = false;
+    /// `RSCalendar` has a row for every object of the phone: since a complete read, until rows of
+    /// the phone leave the table without their objects.
+    bool tableShowsPhone = false;
     /// `--accept-empty-phone`: a listing without entries can be a successful read.
     bool acceptEmptyPhone = false;
 };
@@ -136,8 +141,8 @@ struct SyncState {
     Flag SyncRemoved;
     Flag SyncKeepRow;
     Flag GlobalTransferActive;
-    /// What `MustbeStand` said of the series edited last; goes along with the organizer write and
-    /// has no effect of its own.
+    /// What `MustbeStand` said of the series edited last. The editor hands it to the organizer
+    /// write, which takes no notice: nobody reads it.
     Flag seriesMustStand;
     /// The frame of the current organizer read.
     Date DateFrameFrom;

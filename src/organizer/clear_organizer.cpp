@@ -28,6 +28,7 @@ void ClearOutlookFromGrid(Table<Calendar>& table, bool keepFrame) {
         }
         table.MoveFirst();
         vCalClearPIMStatusArray();
+        showOrganizerStatus();
     });
 }
 

@@ -43,22 +43,11 @@ bool objectOfARow(std::int32_t number) {
 }
 
 bool tableShowsAll() {
-    return app.phone.vCalRead && !app.phone.phoneRowsCleared;
-}
-
-/// The listing, where the table does not show the whole phone and the phone is there. False when it
-/// failed.
-bool listWhereNeeded() {
-    if (!tableShowsAll() && app.phone.MobileConnected && !app.phone.numbersOnPhone) {
-        app.phone.numbersOnPhone = calendarNumbersOnPhone();
-        return app.phone.numbersOnPhone.has_value();
-    }
-    return true;
+    return app.phone.vCalRead && app.phone.tableShowsPhone;
 }
 
 bool listed(std::int32_t number) {
-    return !tableShowsAll() && app.phone.numbersOnPhone &&
-           app.phone.numbersOnPhone->contains(number);
+    return app.phone.numbersOnPhone && app.phone.numbersOnPhone->contains(number);
 }
 
 } // namespace
@@ -66,11 +55,13 @@ bool listed(std::int32_t number) {
 std::int32_t freeCalendarNumber() {
     constexpr std::int32_t kNone = -1;
     std::int32_t number = kNone;
-    if (!GetFreeMobileEntryID(tables.RSCalendar, number) || !listWhereNeeded()) {
+    const bool shown = tableShowsAll();
+    if (!GetFreeMobileEntryID(tables.RSCalendar, number) ||
+        (!shown && app.phone.MobileConnected && numbersOnPhone() == nullptr)) {
         return kNone;
     }
-    const auto taken = [](std::int32_t n) {
-        return queuedForPhone(n) || objectOfARow(n) || listed(n);
+    const auto taken = [shown](std::int32_t n) {
+        return queuedForPhone(n) || objectOfARow(n) || (!shown && listed(n));
     };
     while (taken(number)) {
         const auto next =
@@ -80,24 +71,32 @@ std::int32_t freeCalendarNumber() {
         }
         number = *next;
     }
-    if (!tableShowsAll() && !app.phone.numbersOnPhone) {
+    if (!shown && !app.phone.numbersOnPhone) {
         app.phone.numbersGivenUnseen.insert(number);
+    } else {
+        app.phone.numbersGivenUnseen.erase(number);
     }
     return number;
 }
 
-bool numberWasTaken(std::int32_t number) {
-    if (!app.phone.MobileConnected || !app.phone.numbersGivenUnseen.contains(number)) {
-        return false;
+const std::set<int>* numbersOnPhone() {
+    auto& numbers = app.phone.numbersOnPhone;
+    if (!numbers) {
+        numbers = calendarNumbersOnPhone();
     }
-    if (!app.phone.numbersOnPhone) {
-        app.phone.numbersOnPhone = calendarNumbersOnPhone();
+    return numbers ? &*numbers : nullptr;
+}
+
+void noteObjectStored(std::int32_t number) {
+    if (app.phone.numbersOnPhone) {
+        app.phone.numbersOnPhone->insert(number);
     }
-    if (!app.phone.numbersOnPhone) {
-        return true;
+}
+
+void noteObjectGone(std::int32_t number) {
+    if (app.phone.numbersOnPhone) {
+        app.phone.numbersOnPhone->erase(number);
     }
-    app.phone.numbersGivenUnseen.erase(number);
-    return app.phone.numbersOnPhone->contains(number);
 }
 
 void askAgainFor(std::int32_t number) {
@@ -107,7 +106,6 @@ void askAgainFor(std::int32_t number) {
 
 void forgetNumbersOnPhone() {
     app.phone.numbersOnPhone.reset();
-    app.phone.phoneRowsCleared = false;
 }
 
 } // namespace tandolin

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <set>
 
 namespace tandolin {
 
@@ -10,9 +11,13 @@ namespace tandolin {
 /// none is left or the listing failed.
 std::int32_t freeCalendarNumber();
 
-/// A number that was given while the phone could not be asked may belong to an object there. Asked
-/// before the first write under it: true when it does, or when it cannot be told.
-bool numberWasTaken(std::int32_t number);
+/// The numbers of the objects on the phone, from the listing that is kept, which is made where
+/// there is none, connected or not. Null when it failed, which was reported.
+const std::set<int>* numbersOnPhone();
+
+/// An object was stored or is gone: the kept listing knows it from now on.
+void noteObjectStored(std::int32_t number);
+void noteObjectGone(std::int32_t number);
 
 /// The phone's objects are listed anew at the next need: after a full read, or at the end of a run.
 void forgetNumbersOnPhone();

@@ -5,6 +5,7 @@
 #include "formats/calendar_codec.h"
 #include "formats/recurrence.h"
 #include "formats/rule_losses.h"
+#include "phone/entry_numbers.h"
 #include "phone/free_numbers.h"
 #include "phone/object_store.h"
 #include "phone/phone_info.h"
@@ -90,12 +91,14 @@ bool readOne(const ReadingForm& form, TextView fileName) {
     if (!ParsEntryFromMobile(tables.RSCalendarWork, object, fileName, codePage, &rule)) {
         return false;
     }
-    tables.RSCalendarWork.set(cal::EntryPath, app.phone.GlobalMobilePaths.calendarDirectory);
-    form.setStoreFields(tables.RSCalendarWork, fileName);
-    rememberLosses(tables.RSCalendarWork, rule);
-    const bool matched = takeIntoMainTable();
-    ++app.phone.vCalEntryCount;
-    form.afterTaking(tables.RSCalendar, matched);
+    aboutFile(fileName, [&] {
+        tables.RSCalendarWork.set(cal::EntryPath, app.phone.GlobalMobilePaths.calendarDirectory);
+        form.setStoreFields(tables.RSCalendarWork, fileName);
+        rememberLosses(tables.RSCalendarWork, rule);
+        const bool matched = takeIntoMainTable();
+        ++app.phone.vCalEntryCount;
+        form.afterTaking(tables.RSCalendar, matched);
+    });
     return true;
 }
 
@@ -111,7 +114,8 @@ void readListed(const ReadingForm& form, const std::vector<Text>& names, Objects
         }
         const TextView name = names[static_cast<std::size_t>(i)];
         if (!holdsText(name, u".vcs")) {
-            continue;
+            reportObject(form.place, name, u"The phone lists a file that is no calendar object");
+            continue; // the count then fails the read
         }
         progress(i + 1, read.listed);
         if (!readOne(form, name)) {
@@ -130,10 +134,13 @@ ObjectsRead readCalendarObjects(const ReadingForm& form) {
     app.phone.vCalEntryCount = 0;
     app.phone.vCalRead = kFalse;
     app.phone.losses.clear();
+    withdrawUnseenNumbers();
     return trapped(form.place, ObjectsRead{}, [&](ObjectsRead& read) {
         std::vector<Text> names;
+        const std::int32_t failuresBefore = app.run.failures;
         read.listed = DirMobileEntryFiles(
             app.phone.PXDServer, app.phone.GlobalMobilePaths.calendarDirectory, u"*.vcs", names);
+        read.listingFailed = app.run.failures != failuresBefore;
         if (read.listed > kMostEntries) {
             throw overflowFailure();
         }
@@ -141,12 +148,12 @@ ObjectsRead readCalendarObjects(const ReadingForm& form) {
     });
 }
 
-bool emptyCalendarAccepted(Place place) {
+bool emptyCalendarAccepted(Place place, const ObjectsRead& read) {
     if (app.phone.acceptEmptyPhone && totalRecordsNow(StoreDirectory::calendar) == 0) {
         noteCalendarRead();
         return true;
     }
-    if (app.phone.vCalTotalRecords == 0) {
+    if (app.phone.vCalTotalRecords == 0 && !read.listingFailed && !app.phone.acceptEmptyPhone) {
         Failure failure(failure_number::kServerFailed,
                         u"The phone holds no calendar entries. If that is right, run again with "
                         u"--accept-empty-phone");
@@ -158,6 +165,7 @@ bool emptyCalendarAccepted(Place place) {
 void noteCalendarRead() {
     app.phone.MobileConnected = kTrue;
     app.phone.vCalRead = kTrue;
+    app.phone.tableShowsPhone = true;
     forgetNumbersOnPhone();
 }
 

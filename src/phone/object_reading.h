@@ -21,6 +21,8 @@ struct ReadingForm {
 /// How a read ended: the objects listed (-1 for none or a failed listing), and by whom.
 struct ObjectsRead {
     int listed = -1;
+    /// The listing itself reported a failure.
+    bool listingFailed = false;
     bool cancelled = false;
 
     /// Every object that was listed is in the table.
@@ -34,7 +36,7 @@ ObjectsRead readCalendarObjects(const ReadingForm& form);
 /// After a listing without entries, which looks like a missing phone: only an explicit wish and a
 /// status file that says the same make it a read of nothing, with the flags of a complete one.
 /// Otherwise false, and the user is told of the wish where it may help.
-bool emptyCalendarAccepted(Place place);
+bool emptyCalendarAccepted(Place place, const ObjectsRead& read);
 
 /// The flags of a complete read.
 void noteCalendarRead();

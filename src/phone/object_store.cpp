@@ -23,19 +23,6 @@ Text fullPath(TextView path, TextView fileName) {
     return full += fileName;
 }
 
-/// Runs `body`; a failure leaves with the name of the object that it is about.
-template <class Body>
-void aboutFile(TextView fileName, Body&& body) {
-    try {
-        body();
-    } catch (Failure& failure) {
-        if (failure.File.empty()) {
-            failure.File = fileName;
-        }
-        throw;
-    }
-}
-
 /// Wanted: the row is the one that the table stands on, whichever entry is being sent.
 bool currentRowIsChanged() {
     const Table<Calendar>& table = tables.RSCalendar;
@@ -62,19 +49,27 @@ void replaceObject(PhoneServer& server, const Text& full, TextView fileName, Tex
     // Before the removal: a text that has no bytes must not cost the old object.
     std::string bytes = bytesOfText(text);
     const bool removedFirst = isRemovedFirst(fileName);
-    try {
+    bool removed = false;
+    auto failure = attempt([&] {
         if (removedFirst) {
             server.PXDDelete(full);
+            removed = true;
         }
         server.PXDWrite(full, CreateStream(std::move(bytes), timestamp, timestamp, timestamp), 0);
-    } catch (...) {
-        // A link that dies between the two calls must not cost the entry. One that was removed on
-        // purpose, and whose number a new entry got, stays away.
-        if (removedFirst) {
-            static_cast<void>(attempt([&] { server.restoreDeleted(full); }));
-        }
-        throw;
+    });
+    if (!failure) {
+        return;
     }
+    // A link that dies between the two calls must not cost the entry. One that was removed on
+    // purpose, and whose number a new entry got, stays away.
+    bool restored = false;
+    if (removedFirst) {
+        static_cast<void>(attempt([&] { restored = server.restoreDeleted(full); }));
+    }
+    if (removed && !restored) {
+        failure->Description += u" (the former object is removed and could not be put back)";
+    }
+    throw Failure(*failure);
 }
 
 } // namespace

@@ -7,12 +7,14 @@
 // The server object is handed over as the variable that owns it, since a report of a lost link
 // releases it in the middle of a longer action: what follows then finds it empty.
 
+#include "core/failure.h"
 #include "core/ports/phone_server.h"
 #include "core/state.h"
 
 #include <memory>
 #include <optional>
 #include <set>
+#include <utility>
 #include <vector>
 
 namespace tandolin {
@@ -22,6 +24,20 @@ std::unique_ptr<PhoneServer>& phoneServer();
 
 /// Makes sure that the server object can be created; failing that, a report of -1990 and false.
 bool PXDTest(std::unique_ptr<PhoneServer>& server);
+
+/// Runs `body`; a failure leaves with the name of the object that it is about.
+template <class Body>
+void aboutFile(TextView fileName, Body&& body) {
+    try {
+        std::forward<Body>(body)();
+    } catch (...) {
+        Failure failure = currentFailure();
+        if (failure.File.empty()) {
+            failure.File = fileName;
+        }
+        throw Failure(std::move(failure));
+    }
+}
 
 /// The text of one object; empty and false when it is absent or cannot be read. `codePage` takes
 /// whether its bytes were no UTF-8 and were read by the code page.

@@ -1,5 +1,6 @@
 #include "phone/phone_dialog_reading.h"
 
+#include "core/busy_pointer.h"
 #include "core/state.h"
 #include "core/trap.h"
 #include "organizer/calendar_look_up.h"
@@ -9,6 +10,7 @@
 #include "phone/phone_info.h"
 #include "phone/phone_status.h"
 #include "store/row_operations.h"
+#include "sync/calendar_queue.h"
 #include "sync/status_arrays.h"
 
 #include <algorithm>
@@ -19,17 +21,6 @@ namespace {
 
 constexpr TextView kModule = u"Mobile";
 constexpr std::int16_t kSaveLater = 2;
-
-/// The hourglass for the time of one action.
-class BusyPointer {
-public:
-    BusyPointer() { app.ports.screen.window->busy(true); }
-
-    BusyPointer(const BusyPointer&) = delete;
-    BusyPointer& operator=(const BusyPointer&) = delete;
-
-    ~BusyPointer() { app.ports.screen.window->busy(false); }
-};
 
 void refreshStatusLine() {
     SetStatusBarMobile(app.settings.ActiveAPP == 1);
@@ -51,15 +42,15 @@ void renumberSeries(Table<Calendar>& main) {
     SetSubType(main, number, subType);
 }
 
-/// A row that lost its object in an earlier read kept the number as its key; the entry that has the
-/// number now must not share it.
+/// A row that lost its object in an earlier read kept the number as its key, and a made-up key may
+/// be one that nobody knew of; the entry that has the number now must not share it.
 void takeNumberFromOthers(Table<Calendar>& main) {
     const Text number(main[cal::EntryID]);
     const KeepPosition keep(main);
     main.MoveFirst();
     while (main.Find(cal::EntryID, number)) {
         if (!main[cal::Mobile]) {
-            main.set(cal::EntryID, Text(main[cal::UID]));
+            main.set(cal::EntryID, keyWithoutNumber(main));
             main.set(cal::SubType, -1);
         }
         main.MoveNext();
@@ -158,7 +149,7 @@ void removeFormerRows() {
 bool GetMobileEntries(bool noGridRefresh) {
     return trapped(kDialog.place, false, [noGridRefresh](bool& result) {
         const ObjectsRead read = readCalendarObjects(kDialog);
-        if (read.complete() || (read.listed == -1 && emptyCalendarAccepted(kDialog.place))) {
+        if (read.complete() || (read.listed == -1 && emptyCalendarAccepted(kDialog.place, read))) {
             result = finishCompleteRead(noGridRefresh);
         } else {
             endFailedRead(read.cancelled);

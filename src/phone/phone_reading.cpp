@@ -30,7 +30,7 @@ bool SilentGetMobileEntries() {
     return trapped(kSilent.place, false, [](bool& result) {
         const ObjectsRead read = readCalendarObjects(kSilent);
         if (read.listed == -1) {
-            result = emptyCalendarAccepted(kSilent.place);
+            result = emptyCalendarAccepted(kSilent.place, read);
         } else if (read.complete()) {
             noteCalendarRead();
             result = true;

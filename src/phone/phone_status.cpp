@@ -1,5 +1,6 @@
 #include "phone/phone_status.h"
 
+#include "core/busy_pointer.h"
 #include "core/state.h"
 #include "core/trap.h"
 #include "phone/object_store.h"
@@ -25,6 +26,7 @@ Text entryCounter(bool contacts) {
 
 /// The serial dialogue, the other way to the phone, has no transport: it finds no phone.
 bool readStatus() {
+    const BusyPointer busy;
     return app.core.GlobalUsePXD && PXDInfoAll(phoneServer(), app.phone.GlobalMobilePaths);
 }
 
@@ -34,7 +36,7 @@ void SetStatusBarMobile(bool contacts) {
     static constexpr Place here{u"Mobile", u"SetStatusBarMobile"};
     trapped(here, [&] {
         MainWindow* window = app.ports.screen.window;
-        if (app.core.GlobalSilentMode || window == nullptr) {
+        if (app.core.GlobalSilentMode) {
             return;
         }
         const bool connected{app.phone.MobileConnected};
@@ -73,13 +75,11 @@ void MobileEntriesPruefung() {
 
 void TestMobile_Click() {
     trapped({u"Mobile", u"TestMobile_Click"}, [] {
-        app.ports.screen.window->busy(true);
         app.status.showButtons(false, false);
         app.status.Start(tr(ids::kProgramTitle));
         app.status.SetText(tr(ids::kReadingPhoneStatus));
         const bool found = readStatus();
         app.status.showButtons(false, true);
-        app.ports.screen.window->busy(false);
         if (found) {
             app.status.SetText(tr(ids::kPhoneTested) + u"\r" + app.phone.MobileManufacturer + u" " +
                                app.phone.MobileModel);

@@ -1,9 +1,11 @@
 #include "phone/phone_writing.h"
 
+#include "core/busy_pointer.h"
 #include "core/state.h"
 #include "core/trap.h"
 #include "formats/calendar_codec.h"
 #include "log/log_model.h"
+#include "phone/entry_numbers.h"
 #include "phone/free_numbers.h"
 #include "phone/object_store.h"
 #include "store/row_operations.h"
@@ -16,14 +18,13 @@ namespace {
 
 constexpr TextView kModule = u"Mobile";
 
-/// The object's number. -1 counts as none wherever a number is prepared: no object "-1.vcs" may
-/// ever be written.
-std::int16_t objectNumber(const Table<Calendar>& row) {
-    const std::int16_t number = int16Of(objectNumberOf(row));
-    if (number < 1) {
-        throw Failure(failure_number::kInternal, u"The entry has no number on the phone");
-    }
-    return number;
+/// An entry that found no number ends as if the phone had refused it: no object "-1.vcs" may ever
+/// be written.
+void reportNoNumber() {
+    constexpr StringId kNoMoreEntries{834};
+    constexpr StringId kAllTaken{835};
+    Failure failure(failure_number::kAccessDenied, tr(kNoMoreEntries) + u" " + tr(kAllTaken));
+    ReportError(failure, {u"PXD", u"PXDWriteStream"});
 }
 
 void logTransfer(Table<Calendar>& row, StringId action, Place place) {
@@ -83,10 +84,17 @@ bool isThereAlready(std::int16_t number, const MobilePaths& paths, TextView obje
 }
 
 void removeObject(const MobilePaths& paths, const Table<Calendar>& row) {
+    const std::int32_t number = row[cal::SubType];
     // A row that never had an object has none to remove.
-    if (app.core.GlobalUsePXD && row[cal::SubType] > 0) {
-        phoneServer()->PXDDelete(paths.calendarDirectory + decimal(row[cal::SubType]) + u".vcs");
+    if (!app.core.GlobalUsePXD || number < 1 || app.phone.numbersGivenUnseen.contains(number)) {
+        return;
     }
+    const auto& server = phoneServer();
+    if (!server) {
+        throw Failure(failure_number::kNoPhoneServer, tr(ids::kNoPhoneServer));
+    }
+    server->PXDDelete(paths.calendarDirectory + decimal(number) + u".vcs");
+    noteObjectGone(number);
 }
 
 } // namespace
@@ -99,7 +107,14 @@ bool SendSingleEntry(Table<Calendar>& row) {
             result = true;
             return;
         }
-        const std::int16_t number = objectNumber(row);
+        if (app.core.GlobalUsePXD && !confirmNumber(row)) {
+            return;
+        }
+        const std::int16_t number = int16Of(objectNumberOf(row));
+        if (number < 1) {
+            reportNoNumber();
+            return;
+        }
         vcalTextCheck(row);
         describeAsShown(row);
         const Text object = calendarObject(row);
@@ -112,7 +127,7 @@ bool SendSingleEntry(Table<Calendar>& row) {
         }
         MobilePaths& paths = app.phone.GlobalMobilePaths;
         paths.LastvCalFile = decimal(number) + u".vcs";
-        app.ports.screen.window->busy(true);
+        const BusyPointer busy;
         standOnRowBeingSent(row);
         const bool isNew = !row[cal::IsChanged];
         if (!(isNew && isThereAlready(number, paths, object)) &&
@@ -120,11 +135,11 @@ bool SendSingleEntry(Table<Calendar>& row) {
                             app.ports.clock->now())) {
             return;
         }
+        noteObjectStored(number);
         row.set(cal::EntryPath, paths.calendarDirectory);
         row.set(cal::EntryFile, paths.LastvCalFile);
         logTransfer(row, row[cal::IsChanged] ? ids::kChanged : ids::kCreated, here);
         result = true;
-        app.ports.screen.window->busy(false);
     });
 }
 
@@ -138,12 +153,11 @@ bool RemoveEntryFromMobile(Flag /*connected*/, const MobilePaths& paths, Table<C
             result = true;
             return;
         }
-        app.ports.screen.window->busy(true);
+        const BusyPointer busy;
         removeObject(paths, row);
         if (!app.sync.GlobalTransferActive) {
             countRemoval();
         }
-        app.ports.screen.window->busy(false);
         logTransfer(row, ids::kDeleted, here);
         result = true;
     });

@@ -7,7 +7,9 @@ namespace tandolin {
 
 /// Sends the current row to the phone as one object, under the row's number. True when the phone
 /// has it; the row then knows its directory and file, and the transfer is in the log. False after a
-/// failure, which was reported; then there is no log row. While changes wait for a transfer the row
+/// failure, which was reported; then there is no log row. A number given while the phone could not
+/// be asked is looked up first, and replaced where it is another's; without a number left the send
+/// fails as a refused one. While changes wait for a transfer the row
 /// is queued instead.
 bool SendSingleEntry(Table<Calendar>& row);
 

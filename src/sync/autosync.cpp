@@ -114,6 +114,7 @@ void runSteps() {
 void endRun() {
     app.sync.AutoSyncRunning = kFalse;
     ClearRecordSet(tables.RSCalendar);
+    app.phone.tableShowsPhone = false;
     app.phone.vCalRead = kFalse;
     app.phone.vCalEntryCount = 0;
     app.phone.losses.clear();

@@ -7,12 +7,20 @@ namespace tandolin {
 
 namespace {
 
+/// Made-up keys count up from here.
+constexpr std::int32_t kFirstKey = 51;
+
+bool isMadeUp(std::int64_t key) {
+    return key >= kFirstKey && key < app.organizer.NextNewEntryID;
+}
+
 /// The queue stands on the first action of this kind that `find`, searching from the current row
-/// on, comes to.
-template <class Find>
-bool findAction(Table<Calendar>& queue, std::int32_t target, std::int32_t mode, Find find) {
+/// on, comes to and `accept` takes.
+template <class Find, class Accept>
+bool findAction(Table<Calendar>& queue, std::int32_t target, std::int32_t mode, Find find,
+                Accept accept) {
     for (queue.MoveFirst(); find(); queue.MoveNext()) {
-        if (queue[cal::TransferNew] == target && queue[cal::TransferMode] == mode) {
+        if (queue[cal::TransferNew] == target && queue[cal::TransferMode] == mode && accept()) {
             return true;
         }
     }
@@ -22,19 +30,24 @@ bool findAction(Table<Calendar>& queue, std::int32_t target, std::int32_t mode, 
 /// The same for the entry of `row`: one object on the phone, one item in the organizer.
 bool findQueued(const Table<Calendar>& row, std::int32_t target, std::int32_t mode) {
     Table<Calendar>& queue = tables.RSCalendarSave;
-    if (target == kToOrganizer) {
-        const Text uid(row[cal::UID]);
-        return !uid.empty() &&
-               findAction(queue, target, mode, [&] { return queue.Find(cal::UID, uid); });
+    const auto found = [&](auto field, const auto& value, auto accept) {
+        return findAction(
+            queue, target, mode, [&] { return queue.Find(field, value); }, accept);
+    };
+    const auto any = [] { return true; };
+    const Text uid(row[cal::UID]);
+    const Text key(row[cal::EntryID]);
+    const std::int32_t number = target == kToPhone ? objectNumberOf(row) : 0;
+    if (number != 0) {
+        return found(cal::SubType, number, any) || found(cal::EntryID, decimal(number), [&] {
+                   return objectNumberOf(queue) == number;
+               });
     }
-    const std::int32_t number = objectNumberOf(row);
-    if (number == 0) {
-        return false;
+    // The organizer's item, or an entry that has no number on the phone yet.
+    if (!uid.empty()) {
+        return found(cal::UID, uid, any);
     }
-    const Text key = decimal(number);
-    return findAction(queue, target, mode, [&] { return queue.Find(cal::SubType, number); }) ||
-           findAction(queue, target, mode,
-                      [&] { return queue.Find(cal::EntryID, key) && queue[cal::SubType] == -1; });
+    return target == kToPhone && isEntryKey(key) && found(cal::EntryID, key, any);
 }
 
 /// Copies the row over its equal in the queue, else to the queue's end; the queue stands on it.
@@ -66,14 +79,20 @@ bool holdsKey(Table<Calendar>& table, TextView key) {
     return isEntry || table.Find(cal::UID, key);
 }
 
-/// A key that neither an entry nor, now or later, an object of the phone has.
-Text newKey() {
-    std::int32_t& next = app.organizer.NextNewEntryID;
-    while (next <= app.phone.vCalLastIndex || holdsKey(tables.RSCalendar, decimal(next)) ||
-           holdsKey(tables.RSCalendarSave, decimal(next))) {
-        ++next;
+bool isTaken(std::int32_t key) {
+    const auto& numbers = app.phone.numbersOnPhone;
+    return key <= app.phone.vCalLastIndex || (numbers && numbers->contains(key)) ||
+           holdsKey(tables.RSCalendar, decimal(key)) ||
+           holdsKey(tables.RSCalendarSave, decimal(key));
+}
+
+/// The entry never came to the phone. True when it waited for that.
+bool dropFirstWrite(Table<Calendar>& row) {
+    const bool waited = findQueued(row, kToPhone, kTransferWrite);
+    if (waited) {
+        tables.RSCalendarSave.Delete();
     }
-    return decimal(next++);
+    return waited;
 }
 
 void giveKeys(Table<Calendar>& row, bool isNew) {
@@ -81,12 +100,12 @@ void giveKeys(Table<Calendar>& row, bool isNew) {
         row.set(cal::UID, u""); // it names the item that is to go
     }
     if (isNew && (!isEntryKey(row[cal::EntryID]) || !row[cal::Mobile])) {
-        row.set(cal::EntryID, newKey());
+        row.set(cal::EntryID, freshKey());
         if (row[cal::UID].empty()) {
             row.set(cal::UID, row[cal::EntryID]);
         }
     } else if (row[cal::UID].empty()) {
-        row.set(cal::UID, newKey());
+        row.set(cal::UID, freshKey());
     }
 }
 
@@ -105,7 +124,27 @@ std::int32_t objectNumberOf(const Table<Calendar>& row) {
         return row[cal::SubType];
     }
     const auto number = wholeNumber(row[cal::EntryID]);
-    return number && *number > 0 && *number <= INT16_MAX ? static_cast<std::int32_t>(*number) : 0;
+    const bool isNumber = number && *number > 0 && *number <= INT16_MAX && !isMadeUp(*number) &&
+                          row[cal::EntryID] != row[cal::UID];
+    return isNumber ? static_cast<std::int32_t>(*number) : 0;
+}
+
+bool mayHaveObject(const Table<Calendar>& row) {
+    const std::int32_t number = objectNumberOf(row);
+    return number != 0 && !app.phone.numbersGivenUnseen.contains(number);
+}
+
+Text freshKey() {
+    std::int32_t& next = app.organizer.NextNewEntryID;
+    while (isTaken(next)) {
+        ++next;
+    }
+    return decimal(next++);
+}
+
+Text keyWithoutNumber(const Table<Calendar>& row) {
+    const Text uid(row[cal::UID]);
+    return uid.empty() || uid == row[cal::EntryID] ? freshKey() : uid;
 }
 
 void queuePhoneWrite(Table<Calendar>& row) {
@@ -137,6 +176,11 @@ bool queuePhoneRemoval(Table<Calendar>& row) {
     Table<Calendar>& queue = tables.RSCalendarSave;
     row.set(cal::TransferMode, kTransferRemove);
     row.set(cal::TransferNew, kToPhone);
+    if (!mayHaveObject(row)) {
+        const bool waited = dropFirstWrite(row);
+        showSaveTool();
+        return waited;
+    }
     const bool isNewHere = !putCopy(row);
     queue.set(cal::PIM, false);
     queue.set(cal::Mobile, true);

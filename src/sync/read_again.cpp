@@ -1,17 +1,17 @@
 #include "sync/read_again.h"
 
+#include "core/busy_pointer.h"
 #include "core/state.h"
 #include "core/trap.h"
 #include "organizer/calendar_reading.h"
 #include "phone/phone_dialog_reading.h"
+#include "sync/calendar_queue.h"
 
 namespace tandolin {
 
 namespace {
 
 constexpr TextView kModule = u"Verwaltung";
-constexpr std::int32_t kToOrganizer = 1;
-constexpr std::int32_t kToPhone = 2;
 
 } // namespace
 
@@ -30,9 +30,8 @@ void readPhoneAgain() {
 }
 
 void readOrganizerAgain() {
-    app.ports.screen.window->busy(true);
+    const BusyPointer busy;
     vCalReadOutlook(tables.RSCalendar, false);
-    app.ports.screen.window->busy(false);
 }
 
 void reReadMobile(Table<Calendar>& queue) {

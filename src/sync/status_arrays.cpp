@@ -48,14 +48,14 @@ void restoreAlarms(Table<Calendar>& row) {
 void vCalClearAfterMobileError(bool clearPIMToo) {
     trapped({kModule, u"vCalClearAfterMobileError"}, [clearPIMToo] {
         clearPhoneRows(tables.RSCalendar, clearPIMToo);
-        app.phone.phoneRowsCleared = true;
+        app.phone.tableShowsPhone = false;
         vCalClearMobileStatusArray();
         refreshStatusBar();
         if (clearPIMToo) {
             app.organizer.vCalPIMCount =
                 static_cast<std::int32_t>(tables.RSCalendar.countTrue(cal::PIM));
             app.organizer.vCalPIMRead = flagOf(app.organizer.vCalPIMCount > 0);
-            refreshStatusBar();
+            showOrganizerStatus();
         }
         app.ports.screen.window->refresh(Grid::GridEXCal);
     });
@@ -64,7 +64,7 @@ void vCalClearAfterMobileError(bool clearPIMToo) {
 void vCalReset(Table<Calendar>& table) {
     trapped({kModule, u"vCalReset"}, [&table] {
         InitCalendarRS(table);
-        app.phone.phoneRowsCleared = true;
+        app.phone.tableShowsPhone = false;
         app.ports.screen.window->refresh(Grid::GridEXCal);
         app.ports.screen.window->columnCaptions(Grid::GridEXCal);
         vCalClearMobileStatusArray();
@@ -82,14 +82,17 @@ void leavePhone(Table<Calendar>& row) {
 }
 
 void enableAutoSync(bool enabled) {
-    if (MainWindow* window = app.ports.screen.window) {
-        window->toolEnabled(u"TDLOrganizerMenu", u"TDLAutoSync", enabled);
-        window->toolEnabled(u"TDLTools", u"TDLAutoSync", enabled);
-    }
+    MainWindow& window = *app.ports.screen.window;
+    window.toolEnabled(u"TDLOrganizerMenu", u"TDLAutoSync", enabled);
+    window.toolEnabled(u"TDLTools", u"TDLAutoSync", enabled);
 }
 
 void vCalClearMobileStatusArray() {
     enableAutoSync(false);
+}
+
+void showOrganizerStatus() {
+    app.ports.screen.window->SetProgressStatus(app.organizer.OrganizerName, false);
 }
 
 void vCalClearPIMStatusArray() {

@@ -22,6 +22,9 @@ void enableAutoSync(bool enabled);
 /// Switches the tool `TDLAutoSync` off in both bands; it holds no data, the tools are the status.
 void vCalClearMobileStatusArray();
 
+/// The progress pane tells anew what was read of the organizer.
+void showOrganizerStatus();
+
 /// The organizer's calendar counts as not read.
 void vCalClearPIMStatusArray();
 

@@ -1,17 +1,20 @@
 #include "sync/transfer.h"
 
+#include "core/busy_pointer.h"
 #include "core/state.h"
 #include "core/trap.h"
 #include "log/log_text.h"
 #include "organizer/calendar_removal.h"
 #include "organizer/calendar_writing.h"
-#include "phone/free_numbers.h"
-#include "phone/object_store.h"
+#include "phone/entry_numbers.h"
 #include "phone/phone_writing.h"
 #include "store/row_operations.h"
 #include "sync/calendar_queue.h"
 #include "sync/status_arrays.h"
+#include "sync/store_flush.h"
 #include "sync/transfer_table.h"
+
+#include <optional>
 
 namespace tandolin {
 
@@ -21,62 +24,37 @@ constexpr TextView kModule = u"Mobile";
 
 using enum TransferAction;
 
-/// The key of the row's entry in `RSCalendar`; empty when it is not there or has none.
-Text keyInMainTable(const Table<Calendar>& queue) {
+/// Where `RSCalendar` has the entry of the queued row, if it has it.
+std::optional<Bookmark> rowInMainTable(const Table<Calendar>& queue) {
     Table<Calendar>& main = tables.RSCalendar;
     const KeepPosition keep(main);
-    main.MoveFirst();
-    if (!queue[cal::UID].empty() && main.Find(cal::UID, queue[cal::UID])) {
-        return isEntryKey(main[cal::EntryID]) ? Text(main[cal::EntryID]) : Text();
-    }
-    main.MoveFirst();
+    const Text uid(queue[cal::UID]);
     const Text key(queue[cal::EntryID]);
-    return isEntryKey(key) && main.Find(cal::EntryID, key) ? key : Text();
-}
-
-// Numbers
-
-bool hasNoNumber(const Table<Calendar>& queue) {
-    return !isEntryKey(queue[cal::EntryID]) || objectNumberOf(queue) == 0;
-}
-
-/// The rows of the entry take its number. An object of the phone that was read since can have the
-/// key that they have to give up; it is told by its text and start.
-void renumber(Table<Calendar>& table, const Row& entry, std::int32_t number) {
-    const bool byUID = !entry.text(cal::UID.index()).empty();
-    const auto field = byUID ? cal::UID : cal::EntryID;
-    const Text key(entry.text(field.index()));
-    const KeepPosition keep(table);
-    table.MoveFirst();
-    while (isEntryKey(key) && table.Find(field, key)) {
-        if (byUID || (table.row().sameCell(cal::Text.index(), entry) &&
-                      table.row().sameCell(cal::Start.index(), entry))) {
-            table.set(cal::SubType, number);
-            table.set(cal::EntryID, decimal(number));
-        }
-        table.MoveNext();
+    main.MoveFirst();
+    bool found = !uid.empty() && main.Find(cal::UID, uid);
+    if (!found) {
+        main.MoveFirst();
+        found = isEntryKey(key) && main.Find(cal::EntryID, key);
     }
+    return found ? std::optional(main.bookmark()) : std::nullopt;
 }
 
+/// The key of that row; empty without it, or when it has none.
+Text keyInMainTable(std::optional<Bookmark> mark) {
+    Table<Calendar>& main = tables.RSCalendar;
+    if (!mark) {
+        return {};
+    }
+    const KeepPosition keep(main);
+    main.goTo(*mark);
+    return isEntryKey(main[cal::EntryID]) ? Text(main[cal::EntryID]) : Text();
+}
+
+/// A write to the phone that has no number gets one first.
 bool needsNumber(const Table<Calendar>& queue) {
-    if (!queue[cal::Mobile] || queue[cal::TransferMode] != kTransferWrite) {
-        return false;
-    }
-    return (!queue[cal::IsChanged] && hasNoNumber(queue)) ||
-           (queue[cal::TransferNew] == kToPhone && numberWasTaken(objectNumberOf(queue)));
-}
-
-/// With no number left the row stays without and cannot be sent.
-void giveNumber(Table<Calendar>& queue) {
-    const std::int32_t number = freeCalendarNumber();
-    if (number == -1) {
-        return;
-    }
-    const Row entry(queue.row());
-    renumber(tables.RSCalendar, entry, number);
-    renumber(queue, entry, number);
-    queue.set(cal::SubType, number);
-    queue.set(cal::EntryID, decimal(number));
+    return queue[cal::Mobile] && queue[cal::TransferMode] == kTransferWrite &&
+           (!queue[cal::IsChanged] || queue[cal::TransferNew] == kToPhone) &&
+           (!isEntryKey(queue[cal::EntryID]) || objectNumberOf(queue) == 0);
 }
 
 // After an action
@@ -103,14 +81,16 @@ bool writeWaits(Table<Calendar>& queue) {
 
 /// What a write found out goes to the entry's row in the main table.
 template <class Take>
-void tellMainTable(Table<Calendar>& queue, const Text& key, Take take) {
+void tellMainTable(Table<Calendar>& queue, std::optional<Bookmark> mark, Take take) {
     Table<Calendar>& main = tables.RSCalendar;
+    if (!mark) {
+        return;
+    }
     const KeepPosition keep(main);
-    if (PositionOnEntry(main, key)) {
-        take(main);
-        if (!writeWaits(queue)) {
-            endLastWrite(main);
-        }
+    main.goTo(*mark);
+    take(main);
+    if (!writeWaits(queue)) {
+        endLastWrite(main);
     }
 }
 
@@ -139,7 +119,7 @@ bool sendRow(Table<Calendar>& queue) {
         return false;
     }
     queue.set(cal::TransferMode, kTransferDone);
-    tellMainTable(queue, keyInMainTable(queue), [&queue](Table<Calendar>& main) {
+    tellMainTable(queue, rowInMainTable(queue), [&queue](Table<Calendar>& main) {
         main.set(cal::EntryPath, queue[cal::EntryPath]);
         main.set(cal::EntryFile, queue[cal::EntryFile]);
     });
@@ -147,14 +127,14 @@ bool sendRow(Table<Calendar>& queue) {
 }
 
 bool writeRow(Table<Calendar>& queue) {
-    const Text key = keyInMainTable(queue);
+    const auto mark = rowInMainTable(queue);
     const Text oldUID(queue[cal::UID]);
     if (!WriteOutlookEntry(queue, queue[cal::PIMNew])) {
         return false;
     }
     queue.set(cal::TransferMode, kTransferDone);
-    spreadIdentifier(queue, oldUID, key);
-    tellMainTable(queue, key, [&queue](Table<Calendar>& main) { takeItem(main, queue); });
+    spreadIdentifier(queue, oldUID, keyInMainTable(mark));
+    tellMainTable(queue, mark, [&queue](Table<Calendar>& main) { takeItem(main, queue); });
     return true;
 }
 
@@ -195,7 +175,7 @@ bool transferRows(Table<Calendar>& queue) {
             return false;
         }
         if (queue[cal::IsRecurring] && !queue[cal::UID].empty()) {
-            spreadIdentifier(queue, Text(queue[cal::UID]), keyInMainTable(queue));
+            spreadIdentifier(queue, Text(queue[cal::UID]), keyInMainTable(rowInMainTable(queue)));
         }
         if (!app.status.GetState()) {
             break;
@@ -219,16 +199,6 @@ bool dropDoneRows(Table<Calendar>& queue) {
     return empty;
 }
 
-/// What was written is on disk before it is told as done.
-void flushStores() {
-    if (app.phone.PXDServer) {
-        app.phone.PXDServer->flush();
-    }
-    if (app.organizer.MOL) {
-        app.organizer.MOL->flush();
-    }
-}
-
 /// The log summary, where an entry failed.
 void showFailedEntries(bool allDone) {
     if (app.core.GlobalSilentMode || !app.log.LogErrorFlag) {
@@ -245,20 +215,25 @@ void showFailedEntries(bool allDone) {
 } // namespace
 
 bool TransfervCal(Table<Calendar>& queue) {
-    const bool done = trapped({kModule, u"TransfervCal"}, false, [&queue](bool& result) {
+    static constexpr Place here{kModule, u"TransfervCal"};
+    const bool done = trapped(here, false, [&queue](bool& result) {
         app.sync.GlobalTransferActive = kTrue;
-        app.ports.screen.window->busy(true);
+        const BusyPointer busy;
         app.status.Start(tr(ids::kProgramTitle));
         app.status.showButtons(true, false);
-        if (!transferRows(queue)) {
+        bool sent = false;
+        const auto failure = attempt([&] { sent = transferRows(queue); });
+        // What was written is on disk before it is told as done, and however the rest ended.
+        const bool stored = flushStores(here);
+        if (failure) {
+            throw Failure(*failure);
+        }
+        if (!sent) {
             vCalClearAfterMobileError(false);
             return;
         }
-        const bool empty = dropDoneRows(queue);
-        app.ports.screen.window->busy(false);
+        result = stored && dropDoneRows(queue);
         app.sync.GlobalTransferActive = kFalse;
-        flushStores();
-        result = empty;
     });
     app.status.Quit();
     return done;
@@ -267,7 +242,7 @@ bool TransfervCal(Table<Calendar>& queue) {
 bool TransfertoMobile(Table<Contact>& contactQueue, Table<Calendar>& calendarQueue) {
     const bool done = trapped({kModule, u"TransfertoMobile"}, false, [&](bool& result) {
         app.sync.GlobalTransferActive = kTrue;
-        app.ports.screen.window->busy(true);
+        const BusyPointer busy;
         if (app.settings.ActiveAPP != 1) {
             result = TransfervCal(calendarQueue);
         } else if (contactQueue.isEmpty()) {
@@ -278,7 +253,6 @@ bool TransfertoMobile(Table<Contact>& contactQueue, Table<Calendar>& calendarQue
     });
     app.sync.GlobalTransferActive = kFalse;
     showFailedEntries(done);
-    app.ports.screen.window->busy(false);
     return done;
 }
 

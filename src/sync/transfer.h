@@ -9,9 +9,10 @@ namespace tandolin {
 bool TransfertoMobile(Table<Contact>& contactQueue, Table<Calendar>& calendarQueue);
 
 /// Works through the calendar's queue. A row that succeeded is never done again. True when all rows
-/// are done; the queue is empty then. After a cancel or a failure of the organizer the rows that
-/// are not done stay. A failed send ends it at once: the phone's rows leave `RSCalendar`, the queue
-/// stays as it is, and so does `GlobalTransferActive`, which the caller clears.
+/// are done and both stores have them on the disk; the queue is empty then. After a cancel or a
+/// failure of the organizer the rows that are not done stay. A failed send ends it at once: the
+/// phone's rows leave `RSCalendar`, the queue stays as it is, and so does `GlobalTransferActive`,
+/// which the caller clears.
 bool TransfervCal(Table<Calendar>& queue);
 
 } // namespace tandolin

@@ -45,12 +45,13 @@ TEST_CASE("vCalReset: an empty table, and no side counts as read") {
     SyncWorld world;
     vCalCreateNewRecord(tables.RSCalendar);
     app.phone.vCalRead = kTrue;
+    app.phone.tableShowsPhone = true;
     app.organizer.vCalPIMRead = kTrue;
     app.organizer.vCalPIMCount = 1;
     vCalReset(tables.RSCalendar);
     CHECK(tables.RSCalendar.isEmpty());
     CHECK(app.phone.vCalRead == kFalse);
-    CHECK(app.phone.phoneRowsCleared);
+    CHECK_FALSE(app.phone.tableShowsPhone);
     CHECK(app.organizer.vCalPIMRead == kFalse);
     CHECK(app.organizer.vCalPIMCount == 0);
     CHECK_FALSE(world.screen.tools.at(u"TDLTools/TDLAutoSync"));

@@ -31,28 +31,41 @@ enum class Pane { Mobile, MobileStatus, EntryCounter, Organizer };
 enum class Grid { GridEXCal, GridEXCard };
 enum class Form { Main_Form, frmSplash, logSummaryForm, Einstellungen };
 
-/// What the logic tells the main window. Without a window all of it is without effect.
+/// What the logic tells the main window. As it stands all of it is without effect: a program
+/// without a window has this one, so that nobody needs to ask whether there is one.
 class MainWindow {
 public:
     virtual ~MainWindow() = default;
-    virtual void toolEnabled(TextView band, TextView tool, bool enabled) = 0;
-    virtual void toolVisible(TextView band, TextView tool, bool visible) = 0;
-    virtual void pane(Pane pane, TextView text) = 0;
-    /// Column titles, tips and images of a grid from the language strings in force.
-    virtual void columnCaptions(Grid grid) = 0;
-    virtual void refresh(Grid grid) = 0;
-    virtual void busy(bool on) = 0;
-    /// The date range that the calendar grid marks.
-    virtual void EntryBackround(double fromDays, double toDays) = 0;
-    virtual void startTimer(int milliseconds) = 0;
-    virtual void show(Form form) = 0;
-    virtual void unload(Form form) = 0;
-    /// Shows the form and returns when it was closed.
-    virtual void runModal(Form form) = 0;
-    virtual void TDLInitForm(bool organizerPresent) = 0;
-    virtual void focusMain() = 0;
 
-    // What only a window with pictures, menus and grids can show.
+    virtual void toolEnabled(TextView /*band*/, TextView /*tool*/, bool /*enabled*/) {}
+
+    virtual void toolVisible(TextView /*band*/, TextView /*tool*/, bool /*visible*/) {}
+
+    virtual void pane(Pane /*pane*/, TextView /*text*/) {}
+
+    /// Column titles, tips and images of a grid from the language strings in force.
+    virtual void columnCaptions(Grid /*grid*/) {}
+
+    virtual void refresh(Grid /*grid*/) {}
+
+    /// The hourglass; `BusyPointer` switches it.
+    virtual void busy(bool /*on*/) {}
+
+    /// The date range that the calendar grid marks.
+    virtual void EntryBackround(double /*fromDays*/, double /*toDays*/) {}
+
+    virtual void startTimer(int /*milliseconds*/) {}
+
+    virtual void show(Form /*form*/) {}
+
+    virtual void unload(Form /*form*/) {}
+
+    /// Shows the form and returns when it was closed.
+    virtual void runModal(Form /*form*/) {}
+
+    virtual void TDLInitForm(bool /*organizerPresent*/) {}
+
+    virtual void focusMain() {}
 
     /// The picture beside the phone's name: of a phone that is connected, or of none.
     virtual void phonePicture(bool /*connected*/) {}
@@ -72,11 +85,13 @@ public:
     virtual void hide(Form /*form*/) {}
 };
 
-/// The bundle of what a program shows.
+inline MainWindow noWindow;
+
+/// The bundle of what a program shows. `window` is never null.
 struct Screen {
     MessageBoxes* boxes = nullptr;
     StatusView* status = nullptr;
-    MainWindow* window = nullptr;
+    MainWindow* window = &noWindow;
 };
 
 } // namespace tandolin
