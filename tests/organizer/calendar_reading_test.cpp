@@ -13,6 +13,14 @@ void phoneWasRead() {
     app.phone.vCalEntryCount = static_cast<std::int16_t>(tables.RSCalendar.recordCount());
 }
 
+struct ProgressWindow : MainWindow {
+    std::vector<Text> shown;
+
+    void SetProgressStatus(TextView source, bool clear) override {
+        shown.push_back(clear ? Text(u"-") : Text(source));
+    }
+};
+
 } // namespace
 
 TEST_CASE("A series of many occurrences is one row, at its first one in the frame") {
@@ -102,6 +110,9 @@ TEST_CASE("TestOLCalFolder") {
 
 TEST_CASE("ClearOutlookFromGrid takes the organizer's side out") {
     const OrganizerWorld world;
+    ProgressWindow window;
+    app.ports.screen.window = &window;
+    app.organizer.OrganizerName = u"Ordner";
 
     for (const auto& [text, year, type] : {std::tuple{u"o1", 2026, 1},
                                            {u"o2", 2026, 1},
@@ -124,6 +135,7 @@ TEST_CASE("ClearOutlookFromGrid takes the organizer's side out") {
         ClearOutlookFromGrid(tables.RSCalendar, true);
         CHECK(rowsOf(tables.RSCalendar) == u"p/2 in/2 out/3 ");
     }
+    CHECK(window.shown == std::vector<Text>{u"Ordner"});
     CHECK(app.organizer.vCalPIMCount == 0);
     CHECK(app.organizer.vCalPIMRead == kFalse);
 }
