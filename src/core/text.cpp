@@ -191,6 +191,25 @@ bool holdsText(TextView text, TextView part) {
            part.empty();
 }
 
+Text onOneLine(TextView text) {
+    Text line;
+    line.reserve(text.size());
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const bool isPair = text[i] == u'\r' && i + 1 < text.size() && text[i + 1] == u'\n';
+        const bool breaks = text[i] == u'\r' || text[i] == u'\n' || text[i] == u'\t';
+        line += breaks ? u' ' : text[i];
+        i += isPair ? 1 : 0;
+    }
+    return line;
+}
+
+std::string lowerAscii(std::string bytes) {
+    std::ranges::transform(bytes, bytes.begin(), [](char c) {
+        return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+    });
+    return bytes;
+}
+
 std::vector<Text> split(TextView text, TextView separator) {
     std::vector<Text> pieces;
     for (std::size_t from = 0;;) {

@@ -34,6 +34,13 @@ bool holdsText(TextView text, TextView part);
 /// The pieces between the separators; a text without a separator is one piece.
 std::vector<Text> split(TextView text, TextView separator);
 
+/// The text with every line break (CR LF is one) and every tab turned to a blank, for a place that
+/// holds one line.
+Text onOneLine(TextView text);
+
+/// The bytes with the letters A to Z made small, everything else as it is.
+std::string lowerAscii(std::string bytes);
+
 /// The text without blanks, tabs and line breaks at both ends.
 TextView trimmed(TextView text);
 

@@ -79,19 +79,6 @@ void showFailureBox(const Failure& failure, Place place) {
 
 } // namespace
 
-Text onOneLine(TextView text) {
-    Text line;
-    line.reserve(text.size());
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        const bool breaks = text[i] == u'\r' || text[i] == u'\n';
-        if (text[i] == u'\r' && i + 1 < text.size() && text[i + 1] == u'\n') {
-            ++i;
-        }
-        line += breaks ? u' ' : text[i];
-    }
-    return line;
-}
-
 Text failureOnOneLine(const Failure& failure, TextView message) {
     Text text(message);
     text += !message.empty() && !failure.Description.empty() ? TextView(u" : ") : TextView{};

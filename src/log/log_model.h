@@ -22,9 +22,6 @@ void LogTransferEntry(const Table<Contact>& source, const Failure& failure, Plac
 /// Adds a row to the program error log: sentence and description on one line.
 void LogProgramError(const Failure& failure, TextView message, Place place);
 
-/// The text with every line break turned to a blank.
-Text onOneLine(TextView text);
-
 /// Sentence and description of a failure as the log shows them, line breaks turned to blanks.
 Text failureOnOneLine(const Failure& failure, TextView message);
 

@@ -48,7 +48,7 @@ void appendCell(Text& block, const Row& row, std::span<const FieldSpec> fields, 
     if (fields[i].type == CellType::date) {
         block += dates.of(Date{row.real(i)});
     } else {
-        block += row.text(i);
+        block += onOneLine(row.text(i));
     }
 }
 

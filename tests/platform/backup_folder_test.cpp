@@ -245,6 +245,31 @@ TEST_CASE("A recorded phone: copied before the first change, every change noted"
     CHECK(manifest.phoneChanges.created == 1);
 }
 
+TEST_CASE("What was changed since the copy was made is in the copy before it goes") {
+    RecordedWorld world;
+    world.readBytes = nullptr;
+    for (const int number : {2, 3, 4}) {
+        world.phone.files[u"\\telecom\\cal\\" + decimal(number) + u".vcs"] = "old";
+    }
+    RecordedPhone phone = world.recorded();
+    phone.PXDDelete(u"\\telecom\\cal\\1.vcs");
+    world.phone.files[u"\\telecom\\cal\\2.vcs"] = "edited";
+    world.phone.files.erase(u"\\telecom\\cal\\3.vcs");
+    world.phone.files[u"\\telecom\\cal\\5.vcs"] = "added";
+    for (const int number : {2, 3, 4, 5}) {
+        phone.PXDWrite(u"\\telecom\\cal\\" + decimal(number) + u".vcs", streamOf("first"), 0);
+        phone.PXDWrite(u"\\telecom\\cal\\" + decimal(number) + u".vcs", streamOf("last"), 0);
+    }
+    world.backup.finish(0);
+    const StoredRun run = openStoredRun(*world.backup.made());
+    REQUIRE(run.changes.size() == 5);
+    CHECK(run.bytesOf(run.changes[1]) == "edited");
+    CHECK_FALSE(run.changes[2].before.has_value());
+    CHECK_FALSE(run.copied(StoreSide::phone, run.changes[2].name).has_value());
+    CHECK(run.bytesOf(run.changes[3]) == "old");
+    CHECK(run.bytesOf(run.changes[4]) == "added");
+}
+
 TEST_CASE("A phone that keeps another form of an object") {
     RecordedWorld world;
     RecordedPhone phone = world.recorded(true);

@@ -20,6 +20,10 @@ struct PXDStream {
     bool found = true;
 };
 
+/// `PXDWrite`: the object goes back to a place that it had before, which may lie above the numbers
+/// that the phone gives to new ones. A phone that decides by itself ignores it.
+inline constexpr int kPutBackFlag = 1;
+
 /// The phone's data exchange server: a small file system with IrMC paths ("\telecom\cal\17.vcs").
 /// Every operation reports by throwing a Failure whose number is one of 0x80070002 (absent),
 /// 0x80070005 (refused, or full), 0x80004005 (failed), 0x80010001 (timed out), 462 (link gone).
@@ -40,7 +44,8 @@ public:
     virtual PXDStream PXDRead(TextView path) = 0;
 
     /// Stores the stream under the path, replacing atomically; the name "new.vcf" asks the phone to
-    /// choose the lowest free number, which it tells as LAST-USED-INDEX. `flags` is always 0.
+    /// choose the lowest free number, which it tells as LAST-USED-INDEX. `flags` is 0, or
+    /// kPutBackFlag when a run is undone.
     virtual void PXDWrite(TextView path, const PXDStream& stream, int flags) = 0;
 
     /// Puts the bytes of an object back that this run deleted and did not write again since.

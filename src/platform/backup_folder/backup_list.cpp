@@ -42,10 +42,10 @@ std::optional<Age> ageOf(std::string_view name) {
 std::vector<std::string> namesIn(const fs::path& directory) {
     std::vector<std::string> names;
     std::error_code error;
-    if (fs::status(directory, error).type() == fs::file_type::not_found) {
+    fs::directory_iterator entry(directory, error);
+    if (error == std::errc::no_such_file_or_directory) {
         return names;
     }
-    fs::directory_iterator entry(directory, error);
     for (; !error && entry != fs::directory_iterator(); entry.increment(error)) {
         names.push_back(entry->path().filename().native());
     }

@@ -1,6 +1,7 @@
 #include "platform/backup_folder/entry_names.h"
 
-#include <algorithm>
+#include "core/text.h"
+
 #include <charconv>
 
 namespace tandolin::platform {
@@ -53,18 +54,6 @@ std::optional<std::string> unescapedName(std::string_view text) {
         i += 2;
     }
     return name;
-}
-
-std::string nameOfPhonePath(TextView path) {
-    std::string name = toUtf8(path);
-    std::ranges::replace(name, '\\', '/');
-    return name.starts_with('/') ? name.substr(1) : name;
-}
-
-Text phonePathOf(std::string_view name) {
-    Text path = u"\\" + fromUtf8(name);
-    std::ranges::replace(path, u'/', u'\\');
-    return path;
 }
 
 } // namespace tandolin::platform

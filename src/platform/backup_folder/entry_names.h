@@ -1,7 +1,5 @@
 #pragma once
 
-#include "core/text.h"
-
 #include <optional>
 #include <string>
 #include <string_view>
@@ -18,9 +16,5 @@ std::string escapedName(std::string_view name);
 
 /// The name again; nothing for what `escapedName` does not make.
 std::optional<std::string> unescapedName(std::string_view text);
-
-/// "telecom/cal/17.vcs" for the phone's "\telecom\cal\17.vcs".
-std::string nameOfPhonePath(TextView path);
-Text phonePathOf(std::string_view name);
 
 } // namespace tandolin::platform

@@ -2,6 +2,7 @@
 
 #include "core/failure.h"
 #include "platform/backup_folder/entry_names.h"
+#include "platform/backup_folder/manifest.h"
 #include "platform/system_posix/atomic_file.h"
 
 #include <fcntl.h>
@@ -39,8 +40,8 @@ std::vector<std::string_view> fieldsOf(std::string_view line) {
 }
 
 [[noreturn]] void refuse(std::string_view line) {
-    throw Failure(failure_number::kFileFailed,
-                  u"no line of a journal: " + fromUtf8(escapedName(line.substr(0, 100))));
+    throw damagedCopy(u"its journal holds what no run writes: " +
+                      fromUtf8(escapedName(line.substr(0, 100))));
 }
 
 /// Reads the lines one by one into changes.

@@ -50,7 +50,8 @@ Json documentOf(const Manifest& manifest) {
 
 Manifest manifestIn(const Json& json) {
     if (json.at("format") != kFormat) {
-        throw Failure(failure_number::kFileFailed, u"it was made by another version");
+        throw Failure(failure_number::kFileFailed,
+                      u"the copy was made by another version of this program");
     }
     Manifest manifest;
     manifest.time = json.at("time");
@@ -82,9 +83,13 @@ Manifest readManifest(const std::filesystem::path& directory) {
     const std::string text = readWholeFile(directory / kFile, kLargest);
     try {
         return manifestIn(Json::parse(text));
-    } catch (const Json::exception& problem) {
-        throw Failure(failure_number::kFileFailed, fromUtf8(problem.what()));
+    } catch (const Json::exception&) {
+        throw damagedCopy(u"manifest.json does not hold what a run writes there");
     }
+}
+
+Failure damagedCopy(TextView why) {
+    return {failure_number::kFileFailed, u"the copy is damaged: " + Text(why)};
 }
 
 } // namespace tandolin::platform

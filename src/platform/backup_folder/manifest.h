@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/failure.h"
 #include "core/ports/store_changes.h"
 
 #include <cstddef>
@@ -13,6 +14,8 @@ struct ChangeCounts {
     std::size_t created = 0;
     std::size_t replaced = 0;
     std::size_t removed = 0;
+
+    bool operator==(const ChangeCounts&) const = default;
 };
 
 /// What a copy says of its run; the file manifest.json. A copy without one is not complete, and its
@@ -36,7 +39,11 @@ struct Manifest {
 /// Writes `directory`/manifest.json, replacing atomically.
 void writeManifest(const std::filesystem::path& directory, const Manifest& manifest);
 
-/// Throws Failure kNotFound when there is none, 57 when it is no manifest of this program.
+/// Throws Failure kNotFound when there is none, 57 when it is no manifest of this program, or one
+/// of another version.
 Manifest readManifest(const std::filesystem::path& directory);
+
+/// The failure of a copy that does not hold what a run has written: "the copy is damaged: ...".
+Failure damagedCopy(TextView why);
 
 } // namespace tandolin::platform

@@ -1,6 +1,6 @@
 #include "platform/backup_folder/phone_files.h"
 
-#include "platform/backup_folder/entry_names.h"
+#include "core/phone_names.h"
 
 namespace tandolin::platform {
 
@@ -32,7 +32,7 @@ std::optional<std::string> PhoneFiles::read(const std::string& name) {
 void PhoneFiles::write(const std::string& name, std::string_view bytes) {
     PXDStream stream;
     stream.bytes = bytes;
-    server_.PXDWrite(phonePathOf(name), stream, 0);
+    server_.PXDWrite(phonePathOf(name), stream, kPutBackFlag);
 }
 
 void PhoneFiles::remove(const std::string& name) {
@@ -40,7 +40,7 @@ void PhoneFiles::remove(const std::string& name) {
 }
 
 std::vector<std::string> PhoneFiles::statusFiles() {
-    return {"telecom/devinfo.txt", "telecom/cal/info.log", "telecom/pb/info.log"};
+    return phoneStatusFiles();
 }
 
 } // namespace tandolin::platform

@@ -1,7 +1,7 @@
 #include "platform/backup_folder/recorded_phone.h"
 
 #include "core/failure.h"
-#include "platform/backup_folder/entry_names.h"
+#include "core/phone_names.h"
 
 namespace tandolin::platform {
 

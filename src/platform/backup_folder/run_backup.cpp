@@ -13,7 +13,6 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
-#include <limits>
 
 namespace tandolin::platform {
 
@@ -22,23 +21,28 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr std::size_t kKept = 20;
-constexpr std::size_t kAnySize = std::numeric_limits<std::size_t>::max() / 2;
+constexpr unsigned kPrivate = 0600;
 constexpr const char* kJournal = "journal";
-
-std::string lower(std::string text) {
-    std::ranges::transform(text, text.begin(), [](char c) {
-        return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-    });
-    return text;
-}
 
 /// What stands in the way, with the number that tells a full disk from a refusal.
 Failure refusalOf(Failure failure) {
+    const bool full = failure.Number == failure_number::kDiskFull;
     failure.Description =
         u"No copy could be made before the first write, so nothing was written (" +
-        failure.Description + u"). Make room for it, or run without copies: --no-backup";
+        failure.Description +
+        (full ? u"). Make room for it, or run without copies: --no-backup"
+              : u"). To run without copies say --no-backup");
     failure.File.clear();
     return failure;
+}
+
+void keepInCopy(const fs::path& copy, const std::optional<std::string>& bytes) {
+    if (bytes) {
+        makePrivateDirectories(copy.parent_path());
+        replaceFile(copy, *bytes, kPrivate, Flush::now);
+    } else {
+        fs::remove(copy);
+    }
 }
 
 } // namespace
@@ -63,13 +67,29 @@ void RunBackup::beforeChange(StoreSide side, const std::string& name,
         throw Failure(refusal_->failure.Number, u"Not written, for there is no copy to go back to");
     }
     const std::string known = spelled(side, name);
-    const fs::path copy = copyOf(side, known);
-    const Content before = ::access(copy.c_str(), F_OK) == 0
-                               ? Content(contentHash(readWholeFile(copy, kAnySize)))
-                               : std::nullopt;
+    const Content before = contentBefore(side, known);
     note([&] {
         journal_->change(side, known, before, after ? Content(contentHash(*after)) : std::nullopt);
     });
+}
+
+/// Somebody may have changed the entry since it was copied: what the store holds now is what the
+/// change takes away, so the copy gets it.
+Content RunBackup::contentBefore(StoreSide side, const std::string& name) {
+    const fs::path copy = copyOf(side, name);
+    const std::optional<std::string> copied = ::access(copy.c_str(), F_OK) == 0
+                                                  ? std::optional(readWholeFile(copy, kAnySize))
+                                                  : std::nullopt;
+    const auto& open = side == StoreSide::phone ? sides_.phone : sides_.organizer;
+    if (!open || changed_.contains({side, name})) {
+        return contentOf(copied); // from the second change on the store holds the run's own
+    }
+    const std::optional<std::string> present = open()->read(name);
+    if (present != copied) {
+        note([&] { keepInCopy(copy, present); });
+    }
+    changed_.emplace(side, name);
+    return contentOf(present);
 }
 
 void RunBackup::note(const std::function<void()>& line) {
@@ -107,7 +127,7 @@ void RunBackup::copySide(StoreSide side, const BackupOf& what, const fs::path& t
             continue; // what went away since it was listed is not there to be lost
         }
         writer.write(name, *bytes);
-        if (std::string key = lower(name); side == StoreSide::phone && key != name) {
+        if (std::string key = lowerAscii(name); side == StoreSide::phone && key != name) {
             capitals_.emplace(std::move(key), name);
         }
     }
@@ -123,6 +143,7 @@ void RunBackup::changeUncertain(StoreSide side, const std::string& name) {
 void RunBackup::changeBecame(StoreSide side, const std::string& name, const std::string& newName,
                              std::string_view bytes) {
     if (journal_ && !refusal_) {
+        changed_.emplace(side, spelled(side, newName));
         note([&] {
             journal_->became(side, spelled(side, name), spelled(side, newName), contentHash(bytes));
         });
@@ -135,7 +156,7 @@ void RunBackup::makeCopy() {
     const Date now = clock_.now();
     const std::string name = freeBackupName(directory_, now);
     const fs::path unfinished = directory_ / unfinishedName(name);
-    const BackupOf what = what_();
+    BackupOf what = what_();
     manifest_ = what.facts;
     manifest_.time = toUtf8(isoDate(now)) + 'T' + toUtf8(isoTime(now));
     try {
@@ -162,13 +183,14 @@ void RunBackup::makeCopy() {
         spared.push_back(what.spared);
     }
     pruneBackups(directory_, kKept, spared);
+    sides_ = std::move(what);
 }
 
 std::string RunBackup::spelled(StoreSide side, const std::string& name) const {
     if (side == StoreSide::organizer || capitals_.empty()) {
         return name;
     }
-    const auto known = capitals_.find(lower(name));
+    const auto known = capitals_.find(lowerAscii(name));
     return known == capitals_.end() ? name : known->second;
 }
 

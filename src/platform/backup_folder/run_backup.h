@@ -18,8 +18,10 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 #include <unordered_map>
+#include <utility>
 
 namespace tandolin::platform {
 
@@ -64,6 +66,7 @@ public:
 private:
     void makeCopy();
     void copySide(StoreSide side, const BackupOf& what, const std::filesystem::path& target);
+    Content contentBefore(StoreSide side, const std::string& name);
     void note(const std::function<void()>& line);
     void refuse(Failure failure);
     [[nodiscard]] std::string spelled(StoreSide side, const std::string& name) const;
@@ -79,6 +82,8 @@ private:
     std::optional<BackupRefusal> refusal_;
     std::optional<StoreSide> reading_;
     std::unique_ptr<Journal> journal_;
+    BackupOf sides_; ///< as they were opened for the copy
+    std::set<std::pair<StoreSide, std::string>> changed_;
     /// Names of the phone's objects that it spells with capitals; the program asks in any case.
     std::unordered_map<std::string, std::string> capitals_;
 };

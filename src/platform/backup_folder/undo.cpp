@@ -1,11 +1,11 @@
 #include "platform/backup_folder/undo.h"
 
 #include "core/failure.h"
+#include "core/trap.h"
 #include "platform/backup_folder/run_backup.h"
 #include "platform/system_posix/atomic_file.h"
 
 #include <algorithm>
-#include <limits>
 #include <set>
 
 namespace tandolin::platform {
@@ -14,7 +14,14 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr std::size_t kAnySize = std::numeric_limits<std::size_t>::max() / 2;
+std::string journalIn(const fs::path& directory) {
+    try {
+        return readWholeFile(directory / "journal", kAnySize);
+    } catch (const Failure& failure) {
+        throw failure.Number == failure_number::kNotFound ? damagedCopy(u"its journal is missing")
+                                                          : failure;
+    }
+}
 
 } // namespace
 
@@ -82,7 +89,13 @@ ChangeCounts countsOf(const std::vector<Change>& changes, StoreSide side) {
 
 StoredRun openStoredRun(const fs::path& directory) {
     StoredRun run{directory, readManifest(directory), {}};
-    run.changes = changesOf(readWholeFile(directory / "journal", kAnySize), run.manifest.finished);
+    const Manifest& manifest = run.manifest;
+    run.changes = changesOf(journalIn(directory), manifest.finished);
+    if (manifest.finished &&
+        (countsOf(run.changes, StoreSide::phone) != manifest.phoneChanges ||
+         countsOf(run.changes, StoreSide::organizer) != manifest.organizerChanges)) {
+        throw damagedCopy(u"its journal does not hold the changes that manifest.json counts");
+    }
     return run;
 }
 
@@ -101,7 +114,10 @@ void findUnnamed(StoredRun& run, StoreSide side, StoreFiles& files) {
         if (taken.contains(name) || run.copied(side, name)) {
             continue;
         }
-        const Content present = contentOf(files.read(name));
+        Content present;
+        if (attempt([&] { present = contentOf(files.read(name)); })) {
+            continue; // what cannot be read is not known to be the run's
+        }
         const auto wish = std::ranges::find_if(run.changes, [&](const Change& change) {
             return isWish(change) && std::ranges::find(change.left, present) != change.left.end();
         });

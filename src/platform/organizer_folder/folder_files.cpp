@@ -5,7 +5,6 @@
 #include "platform/system_posix/atomic_file.h"
 
 #include <algorithm>
-#include <limits>
 
 namespace tandolin::platform {
 
@@ -15,7 +14,6 @@ namespace {
 
 constexpr std::string_view kCalendar = "calendar/";
 constexpr std::string_view kContacts = "contacts/";
-constexpr std::size_t kAnySize = std::numeric_limits<std::size_t>::max() / 2;
 constexpr unsigned kKeepMode = 0;
 
 bool isWithin(const fs::path& path, const fs::path& folder) {

@@ -1,11 +1,10 @@
 #include "platform/phone_directory/directory_phone_files.h"
 
 #include "core/failure.h"
+#include "core/phone_names.h"
 #include "core/trap.h"
 #include "platform/phone_directory/store_names.h"
 #include "platform/system_posix/atomic_file.h"
-
-#include <algorithm>
 
 namespace tandolin::platform {
 
@@ -15,12 +14,6 @@ namespace {
 
 constexpr std::size_t kLargestFile = std::size_t{16} << 20U;
 constexpr unsigned kKeepMode = 0;
-
-Text phonePathOf(std::string_view name) {
-    Text path = u"\\" + fromUtf8(name);
-    std::ranges::replace(path, u'/', u'\\');
-    return path;
-}
 
 /// True when only what the store writes by itself stands between two status files; a file that was
 /// not there is taken for the one that is made up.
@@ -86,7 +79,7 @@ std::optional<std::string> DirectoryPhoneFiles::read(const std::string& name) {
 void DirectoryPhoneFiles::write(const std::string& name, std::string_view bytes) {
     PXDStream stream;
     stream.bytes = bytes;
-    phone_.PXDWrite(phonePathOf(name), stream, 0);
+    phone_.PXDWrite(phonePathOf(name), stream, kPutBackFlag);
 }
 
 void DirectoryPhoneFiles::remove(const std::string& name) {
@@ -94,7 +87,7 @@ void DirectoryPhoneFiles::remove(const std::string& name) {
 }
 
 std::vector<std::string> DirectoryPhoneFiles::statusFiles() {
-    return {"telecom/devinfo.txt", "telecom/cal/info.log", "telecom/pb/info.log"};
+    return phoneStatusFiles();
 }
 
 void DirectoryPhoneFiles::restoreStatus(const std::string& name,

@@ -86,11 +86,11 @@ void ObjectFolder::refuseUnless(bool allowed, TextView what) const {
     }
 }
 
-void ObjectFolder::checkRoomFor(int number) {
+void ObjectFolder::checkRoomFor(int number, bool putBack) {
     refreshOnce();
     const std::optional<std::int64_t> maximum = info_.maximumRecords();
     refuseUnless(maximum.has_value(), u"takes no object: MAXIMUM-RECORDS of info.log is no number");
-    refuseUnless(!kind_.hasSlots || (number >= 1 && number <= *maximum),
+    refuseUnless(!kind_.hasSlots || (number >= 1 && (putBack || number <= *maximum)),
                  u"has no slot " + decimal(number) + u", only 1 to " + decimal(*maximum));
     if (names_.contains(number)) {
         return;

@@ -46,8 +46,9 @@ public:
     std::optional<std::string> read(int number);
 
     /// Throws kAccessDenied when the store has no room for this object. For a new object nothing
-    /// on disk may bear its name, for another program can have put it there meanwhile.
-    void checkRoomFor(int number);
+    /// on disk may bear its name, for another program can have put it there meanwhile. What is put
+    /// back needs no slot of its own: it may have lain above the last.
+    void checkRoomFor(int number, bool putBack = false);
 
     /// Stores an object under its number, or in the file that holds this number already. A new file
     /// is called `newName` ("17.VCS"), "17.vcs" without one. Call `checkRoomFor` before.

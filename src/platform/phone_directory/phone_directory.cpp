@@ -157,7 +157,7 @@ PXDStream DirectoryPhone::readFolder(const StorePath& path) {
     return streamOf(number ? folder.read(*number) : std::nullopt);
 }
 
-void DirectoryPhone::PXDWrite(TextView path, const PXDStream& stream, int /*flags*/) {
+void DirectoryPhone::PXDWrite(TextView path, const PXDStream& stream, int flags) {
     asPhone([&] {
         const StorePath name = storePathOf(path);
         requireStore();
@@ -166,7 +166,7 @@ void DirectoryPhone::PXDWrite(TextView path, const PXDStream& stream, int /*flag
                                                      u"was opened does not exist");
         }
         const Object object = objectToWrite(name);
-        object.folder.checkRoomFor(object.number);
+        object.folder.checkRoomFor(object.number, flags == kPutBackFlag);
         beforeChange();
         object.folder.write(object.number, stream.bytes, object.name);
     });

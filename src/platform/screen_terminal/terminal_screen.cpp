@@ -13,13 +13,6 @@ namespace tandolin::platform {
 namespace {
 
 /// A text of several lines as one, for a line of progress.
-std::string onOneLine(TextView text) {
-    std::string line = toUtf8(text);
-    std::erase(line, '\r');
-    std::ranges::replace(line, '\n', ' ');
-    return line;
-}
-
 bool hasNumber(const std::string& line) {
     return std::ranges::any_of(line, [](char c) { return c >= '0' && c <= '9'; });
 }
@@ -97,7 +90,7 @@ void TerminalScreen::text(TextView text) {
     if (now - shownAt_ < pause && text.find(u'/') != TextView::npos) {
         return; // by far the most calls: spared the conversion
     }
-    const std::string line = onOneLine(text);
+    const std::string line = toUtf8(onOneLine(text));
     if (line == shown_ || (hasNumber(line) && now - shownAt_ < pause)) {
         return;
     }

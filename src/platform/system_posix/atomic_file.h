@@ -6,6 +6,7 @@
 
 #include <cstddef>
 #include <filesystem>
+#include <limits>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -49,6 +50,9 @@ bool removeUnchanged(const std::filesystem::path& path, const FileStamp& seen);
 
 /// Removes a file; an absent one is a success. Throws as above.
 void removeFile(const std::filesystem::path& path);
+
+/// The limit for a file that may be of any size.
+inline constexpr std::size_t kAnySize = std::numeric_limits<std::size_t>::max() / 2;
 
 /// All bytes of a regular file. Throws Failure kNotFound when there is none, kServerFailed when it
 /// is larger than `limit` or no regular file (a device would never end), else as `failureOfErrno`.

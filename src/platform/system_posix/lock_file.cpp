@@ -33,6 +33,15 @@ bool LockFile::previousInstance() {
     return false;
 }
 
+bool LockFile::isHeld(const std::filesystem::path& stateDirectory) {
+    const std::filesystem::path path = stateDirectory / "lock";
+    const Descriptor opened(uninterrupted(
+        [&] { return ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK); }));
+    return opened.isOpen() &&
+           uninterrupted([&] { return ::flock(opened.get(), LOCK_SH | LOCK_NB); }) != 0 &&
+           errno == EWOULDBLOCK;
+}
+
 void LockFile::activate() {
     InstanceSocket::send(directory_, kActivateWord);
 }

@@ -20,6 +20,10 @@ public:
     /// Held until this object is destroyed; words of later instances are heard as long.
     bool previousInstance() override;
 
+    /// True while another process holds the lock of this directory. It only looks, but a start at
+    /// the same instant may take the look for a run: ask where the answer matters.
+    static bool isHeld(const std::filesystem::path& stateDirectory);
+
     /// Words to the first instance go through the socket beside the lock.
     void activate() override;
     void kill() override;
