@@ -188,6 +188,7 @@ bool Check4PrevInstance() {
                 app.ports.instance->kill();
             } else {
                 app.ports.instance->activate();
+                app.run.raisedOther = true;
             }
         }
         trace(u"Debug: NoPrevInstance", u"Debug:  NoPrevInstance");
@@ -222,7 +223,8 @@ void Main() {
             app.run.phoneFailed = true;
             app.ports.screen.window->runModal(Form::logSummaryForm);
         }
-    } else if (!app.core.GlobalCommandKill && exitStatus() <= ExitStatus::incomplete) {
+    } else if (!app.core.GlobalCommandKill && !app.run.raisedOther &&
+               exitStatus() <= ExitStatus::incomplete) {
         app.run.startFailed = true; // a start that ended has a cause, whatever step it was
     }
     app.status.Quit();

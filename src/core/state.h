@@ -195,6 +195,8 @@ struct RunState {
     bool guarded = false;
     bool startFailed = false;
     bool otherInstance = false;
+    /// The window of another instance was asked to show itself, which is all that this start does.
+    bool raisedOther = false;
     bool entriesFailed = false;
     /// Entries of the frame and kinds for which the phone had no room.
     std::int32_t leftBehind = 0;

@@ -181,6 +181,7 @@ TEST_CASE("A second start of a run with a window hands over or kills") {
         CHECK(program.instances.activations == (kill ? 0 : 1));
         CHECK(app.core.applicationTitle == u"TDL2INST");
         CHECK_FALSE(app.run.otherInstance);
+        CHECK(exitStatus() == ExitStatus::done);
     }
 }
 
