@@ -6,6 +6,7 @@
 SCENARIOS is tests/scenarios; its folders are the worlds that runs are made on.
 """
 
+import fcntl
 import json
 import os
 import shutil
@@ -290,6 +291,8 @@ def bad_input():
         return str(folder)
 
     state = world.state()
+    without_journal = spoiled("journal", "")
+    os.unlink(f"{without_journal}/journal")
     for what, directory, words in [
             ("missing", f"{world.copy}/nowhere", "is no copy"),
             ("foreign", str(world.copy / "home"), "is no copy"),
@@ -297,23 +300,167 @@ def bad_input():
             ("other JSON", spoiled("manifest.json", '{"format": 1}'), "is damaged"),
             ("another version", spoiled("manifest.json", '{"format": 2}'), "another version"),
             ("a name that leaves", spoiled("journal", journal.replace(name, "../../evil.vcs")), "is damaged"),
-            ("a torn journal", spoiled("journal", journal[:-20]), "is damaged")]:
+            ("a torn journal", spoiled("journal", journal[:-20]), "is damaged"),
+            ("an empty journal", spoiled("journal", ""), "is damaged"),
+            ("a shorter journal", spoiled("journal", journal.split("\n", 1)[0] + "\n"), "is damaged"),
+            ("no journal", without_journal, "its journal is missing")]:
         status, document, errors = world.restore(directory)
         expect(f"{what}: exit and sentence", (status, document, words in errors), (2, None, True))
         expect(f"{what}: both sides", world.state(), state)
+        expect(f"{what}: no words of a library", "json.exception" in errors, False)
+    listed = backup.parent / "2027-01-01T00-00-00"
+    shutil.copytree(without_journal, listed)
+    document = json.loads(world.call("--list-backups", "--json", extra=[])["out"])
+    expect("a damaged copy in the list", (document["exit"], [row["File"] for row in document["errors"]]), (1, [listed.name]))
+    shutil.rmtree(listed)
+    status, planned, _ = world.restore(str(backup), "--max-remove", "1", "--dry-run")
     status, document, _ = world.restore(str(backup), "--max-remove", "1")
-    expect("--max-remove", (status, document["restored"], world.state()), (5, [], state))
-    outside = spoiled("journal", journal.replace(name, "elsewhere/evil.vcs"))
-    expect("a name of no directory", (world.restore(outside)[0] in (3, 4), world.state()), (True, state))
+    expect("--max-remove", (status, document["dryRun"], world.state()), (5, True, state))
+    expect("--max-remove names what would be", (len(document["restored"]) > 1, document["restored"]), (True, planned["restored"]))
     (world.copy / "phone").rename(world.copy / "away")
     expect("the phone is away", (world.restore(str(backup))[0], world.state()["organizer"]), (3, state["organizer"]))
     (world.copy / "away").rename(world.copy / "phone")
     expect("another place for a side", world.restore(str(backup), "--organizer", "folder:nowhere")[0], 4)
-    expect("a word beside it", world.call("--restore", str(backup), "VCAL", extra=[])["exit"], 2)
+    for beside in (["VCAL"], ["--only", ""], ["--only="], ["--set", "SyncTyp=1"], ["--answer", "yes"], ["--emit"], ["--accept-empty-phone"]):
+        expect(f"{beside} beside it", world.call("--restore", str(backup), *beside, extra=[])["exit"], 2)
+    expect("beside the list", world.call("--list-backups", "--phone", "dir:phone", extra=[])["exit"], 2)
+    expect("both sides", world.state(), state)
+    outside = spoiled("journal", journal.replace(name, "elsewhere/evil.vcs"))
+    status, document, _ = world.restore(outside)
+    expect("a name of no directory", (status, [row["name"] for row in document["restored"] if row["action"] == "failed"]),
+           (1, ["elsewhere/evil.vcs"]))
+
+
+def unreadable_entries():
+    """What cannot be read is named and left; all else is undone."""
+    world = World("both-ways")
+    before = world.state()
+    backup = world.sync()["backup"]
+    after = world.state()
+    objects = sorted(after["phone"].keys() - before["phone"].keys())
+    items = sorted(after["organizer"].keys() - before["organizer"].keys())
+    (world.copy / "phone" / objects[0]).unlink()
+    (world.copy / "phone" / objects[0]).mkdir()
+    (world.copy / "organizer" / items[0]).unlink()
+    (world.copy / "organizer" / items[0]).mkdir()
+    (world.copy / "organizer" / items[1]).unlink()
+    (world.copy / "outside.ics").write_bytes(NEW_ITEM)
+    (world.copy / "organizer" / items[1]).symlink_to("../../outside.ics")
+    status, document, _ = world.restore(backup)
+    failed = {row["name"]: row["reason"] for row in document["restored"] if row["action"] == "failed"}
+    expect("exit and what is left", (status, sorted(failed)), (1, sorted([objects[0], items[0], items[1]])))
+    expect("each with a reason", all(failed.values()), True)
+    for side, names in (("phone", objects[1:]), ("organizer", items[2:])):
+        expect(f"the {side}'s others are undone", [name for name in names if (world.copy / side / name).exists()], [])
+    expect("outside", (world.copy / "outside.ics").read_bytes(), NEW_ITEM)
+
+
+def changed_while_restoring():
+    """What somebody writes while the restore runs is not taken away."""
+    world = World("both-ways")
+    calendar = world.copy / "phone/telecom/cal"
+    for n in range(100, 1100):
+        day = (3, 1 + n % 28, 8 + n // 28 % 12)
+        (calendar / f"{n}.vcs").write_bytes(OBJECT.format(*day, *day, n).encode())
+    calendar.joinpath("info.log").write_bytes(b"MAXIMUM-RECORDS:5000\r\nTOTAL-RECORDS:1000\r\nLAST-USED-INDEX:1099\r\n")
+    folder = world.copy / "organizer/calendar"
+    before = set(os.listdir(folder))
+    backup = Path(world.absolute(world.sync()["backup"]))
+    made = [line.split("\t")[-1] for line in (backup / "journal").read_text().splitlines() if "\torganizer\t" in line]
+    command = ["faketime", "-f", world.how.get("day", "2027-03-01 12:00:00"), PROGRAM, "--restore", str(backup), "--json"]
+    process = subprocess.Popen(command, cwd=world.copy, env=world.environment(), stdout=subprocess.PIPE, start_new_session=True)
+    full = len(os.listdir(folder))
+    while len(os.listdir(folder)) == full and process.poll() is None:
+        time.sleep(0.0005)
+    os.killpg(process.pid, signal.SIGSTOP)
+    edited = world.copy / "organizer" / made[-1]
+    expect("stopped in the middle", edited.exists(), True)
+    edited.write_bytes(NEW_ITEM)
+    os.killpg(process.pid, signal.SIGCONT)
+    document = json.loads(process.communicate(timeout=60)[0])
+    expect("exit", (process.returncode, document["exit"]), (1, 1))
+    expect("named", [row["name"] for row in document["restored"] if row["action"] == "kept"], [made[-1]])
+    expect("what was written", edited.read_bytes(), NEW_ITEM)
+    expect("all else is undone", set(os.listdir(folder)), before | {edited.name})
+
+
+def names_and_words():
+    """The ways to name a copy and an entry, and what is said."""
+    world = World("both-ways")
+    before = world.state()
+    backup = Path(world.absolute(world.sync()["backup"]))
+    objects = sorted(world.state()["phone"].keys() - before["phone"].keys())
+    items = sorted(world.state()["organizer"].keys() - before["organizer"].keys())
+    first = Path(objects[0]).name
+    for named in (f"{backup.name}/", f"{backup}/", backup.name):
+        done = world.call("--restore", named, "--dry-run", extra=[])
+        expect(f"{named}: exit", done["exit"], 0)
+        expect(f"{named}: counts", f"{len(objects) + len(items)} entries of the run: 0 put back, {len(objects) + len(items)} removed, "
+               "0 as before, 0 left alone, 0 failed" in done["out"], True)
+    done = world.call("--restore", backup.name, "--only", first.upper(), "--dry-run", extra=[])
+    expect("capitals", (done["exit"], "1 entry of the run: 0 put back, 1 removed" in done["out"]), (0, True))
+
+    folded = world.copy / "organizer" / items[0]
+    whole = folded.read_bytes()
+    identifier = "A" * 60 + "-" + "B" * 30
+    line = f"UID:{identifier}"
+    folded.write_bytes(whole.replace(b"UID:" + folded.stem.encode(), f"{line[:70]}\r\n {line[70:]}".encode()))
+    expect("the UID is changed", folded.read_bytes() != whole, True)
+    status, document, _ = world.restore(str(backup), "--only", identifier, "--dry-run")
+    expect("a folded UID", (status, world.actions(document)), (1, [f"organizer {items[0]} kept"]))
+    folded.write_bytes(whole)
+
+    copies = world.copies()
+    done = world.call("--restore", backup.name, extra=[])
+    own = next(name for name in world.copies() if name not in copies)
+    expect("its own copy is named on standard error", (own in done["out"], own in done["errors"]), (False, True))
+    expect("exit", done["exit"], 0)
+    manifest = json.loads((backup.parent / own / "manifest.json").read_text())
+    expect("the command of the copy", manifest["command"], f"--restore {backup.name}")
+
+
+def lists():
+    """A list that is no list, one while a run is at work, and a result that nobody gets."""
+    world = World("both-ways")
+    backup = Path(world.absolute(world.sync()["backup"]))
+    manifest = backup / "manifest.json"
+    done = manifest.read_text()
+    manifest.write_text(done.replace('"finished": true', '"finished": false'))
+    expect("ended early", "ended before it was done" in world.call("--list-backups", extra=[])["out"], True)
+    with open(backup.parent.parent / "lock", "w") as lock:
+        fcntl.flock(lock, fcntl.LOCK_EX)
+        expect("at work", "still running" in world.call("--list-backups", extra=[])["out"], True)
+        status, document, _ = world.restore(str(backup))
+        expect("a restore beside it", (status, len(document["errors"])), (6, 1))
+        document = world.sync()
+        expect("a run beside it tells why", (document["exit"], len(document["errors"])), (6, 1))
+    manifest.write_text(done)
+    with open("/dev/full", "w") as full:
+        for arguments in (["--list-backups"], ["--help"], ["--restore", backup.name, "--dry-run"], ["--inspect", "phone/telecom/cal/1.vcs"]):
+            ended = subprocess.run([PROGRAM, *arguments], cwd=world.copy, env=world.environment(), stdout=full, stderr=subprocess.PIPE, timeout=60)
+            expect(f"{arguments}: a full standard output", (ended.returncode, b"standard output" in ended.stderr), (1, True))
+    (world.copy / "file").write_text("")
+    listed = world.call("--list-backups", env={"XDG_STATE_HOME": str(world.copy / "file")}, extra=[])
+    expect("the directory of states is a file", (listed["exit"], "There are no copies" in listed["out"]), (1, False))
+
+
+def above_the_maximum():
+    """What mode 1 took from a slot that the phone does not give out comes back into it."""
+    world = World("full-mode-1-makes-room")
+    calendar = world.copy / "phone/telecom/cal"
+    maximum = int((calendar / "info.log").read_text().split("MAXIMUM-RECORDS:")[1].split()[0])
+    first = min(calendar.glob("*.vcs"), key=lambda path: int(path.stem))
+    for path in calendar.glob("*.vcs"):
+        path.rename(calendar / f"{int(path.stem) + maximum}.vcs")
+    before = world.state()
+    backup = world.sync()["backup"]
+    expect("removed", (calendar / f"{int(first.stem) + maximum}.vcs").exists(), False)
+    expect("exit", world.restore(backup)[0], 0)
+    expect("both sides", world.state(), before)
 
 
 CASES = [whole_run, spelling_and_missing_files, parts_of_a_run, changed_since, killed, no_copies_wanted, twenty_are_kept,
-         copy_impossible, bad_input]
+         copy_impossible, bad_input, unreadable_entries, changed_while_restoring, names_and_words, lists, above_the_maximum]
 
 
 def main():

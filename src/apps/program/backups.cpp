@@ -6,6 +6,7 @@
 #include "core/trap.h"
 #include "platform/backup_folder/backup_list.h"
 #include "platform/backup_folder/undo.h"
+#include "platform/system_posix/lock_file.h"
 
 #include <filesystem>
 #include <ostream>
@@ -20,6 +21,7 @@ using platform::Manifest;
 struct ListedCopy {
     std::filesystem::path directory;
     Manifest manifest;
+    bool running = false; ///< the run that made it is at work
 };
 
 Json countsRow(const ChangeCounts& counts) {
@@ -37,6 +39,7 @@ Json copyRow(const ListedCopy& copy) {
             {"phone", orNull(manifest.phone)},
             {"organizer", orNull(manifest.organizer)},
             {"finished", manifest.finished},
+            {"running", copy.running},
             {"runExit", manifest.finished ? Json(manifest.exit) : Json()},
             {"changes",
              {{"phone", countsRow(manifest.phoneChanges)},
@@ -55,6 +58,7 @@ void writeCopy(std::ostream& out, const ListedCopy& copy) {
         out << ", mode " << manifest.mode;
     }
     out << (manifest.finished ? ", exit " + std::to_string(manifest.exit)
+            : copy.running    ? ", still running"
                               : ", ended before it was done")
         << "\n  " << copy.directory.string() << '\n';
     for (const auto& [uri, counts] : {std::pair(manifest.phone, manifest.phoneChanges),
@@ -84,6 +88,10 @@ int listBackups(const Options& options, std::ostream& out, std::ostream& errors)
         const auto failure = attempt([&] {
             copies.push_back(
                 {directory / name, platform::openStoredRun(directory / name).manifest});
+            // Only the newest can be at work, and only the holder of the lock is.
+            ListedCopy& copy = copies.back();
+            copy.running = name == names.front() && !copy.manifest.finished &&
+                           platform::LockFile::isHeld(stateDirectory());
         });
         if (failure) {
             failures.push_back(reported(*failure, name));
@@ -104,7 +112,7 @@ int listBackups(const Options& options, std::ostream& out, std::ostream& errors)
         for (const ListedCopy& copy : copies) {
             writeCopy(out, copy);
         }
-        if (copies.empty()) {
+        if (copies.empty() && failures.empty()) {
             out << "There are no copies in " << directory.string() << '\n';
         }
     }

@@ -1,6 +1,7 @@
 #include "apps/program/options.h"
 
 #include "apps/exit_status.h"
+#include "core/text.h"
 
 #include <CLI/CLI.hpp>
 
@@ -29,7 +30,7 @@ Example:
 
 Before its first write a run copies both sides; --list-backups shows the copies, --restore DIR
 undoes the run (exit 1 when something was changed since and is left alone).
-What each mode copies, removes and cuts: what-travels.md in share/doc/halverntandolin (source: docs).
+What each mode copies, removes and cuts: )" TANDOLIN_DOCUMENTS R"(/what-travels.md
 
 Exit status: 0 done; 1 done, but something stayed behind or failed; 2 usage; 3 phone, 4 organizer
 not reached or not read (nothing was written); 5 stopped; 6 another instance is active; 7 the start
@@ -38,12 +39,6 @@ failed.)";
 /// Options that come with a later version; each is refused with one sentence, nothing is touched.
 constexpr std::array kNotBuilt{"--list-folders", "--list-ports", "--test-phone",
                                "--contact-folder"};
-
-std::string lower(std::string text) {
-    std::ranges::transform(text, text.begin(),
-                           [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-    return text;
-}
 
 bool isOption(const std::string& argument) {
     return argument.starts_with("--");
@@ -64,7 +59,7 @@ std::vector<std::string> takeFiles(const std::vector<std::string>& arguments, Op
             options.files.push_back(argument);
             continue;
         }
-        const std::string name = lower(argument.substr(0, argument.find('=')));
+        const std::string name = lowerAscii(argument.substr(0, argument.find('=')));
         if (name != "--inspect") {
             rest.push_back(argument);
             continue;
@@ -129,7 +124,7 @@ std::optional<std::string> takeSets(const std::vector<std::string>& sets, Option
 }
 
 std::optional<std::string> takeLimit(const std::string& limit, Options& options) {
-    if (limit.empty() || lower(limit) == "all") {
+    if (limit.empty() || lowerAscii(limit) == "all") {
         return std::nullopt;
     }
     const bool digits = std::ranges::all_of(limit, [](unsigned char c) { return std::isdigit(c); });
@@ -140,10 +135,38 @@ std::optional<std::string> takeLimit(const std::string& limit, Options& options)
     return std::nullopt;
 }
 
+/// What has a meaning beside the commands of the way back.
+constexpr std::array kWithRestore{"--restore",    "--only",    "--phone",
+                                  "--organizer",  "--dry-run", "--no-backup",
+                                  "--max-remove", "--json",    "--quiet"};
+constexpr std::array kWithList{"--list-backups", "--json", "--quiet"};
+
+/// The first option that would have no effect beside the command.
+template <std::size_t Size>
+std::optional<std::string> firstWithoutMeaning(const CLI::App& cli,
+                                               const std::array<const char*, Size>& known) {
+    for (const CLI::Option* option : cli.get_options()) {
+        const std::string name = option->get_name();
+        if (option->count() > 0 && option->nonpositional() &&
+            std::ranges::find(known, name) == known.end()) {
+            return name;
+        }
+    }
+    return std::nullopt;
+}
+
+/// True when the option is there and its value is not: that must never count as not given.
+bool isEmpty(const CLI::App& cli, const char* name, const std::optional<std::string>& value) {
+    return cli.count(name) > 0 && value.value_or("").empty();
+}
+
 /// The way back is a command of its own: what stands beside it must not be taken for a run.
-std::optional<std::string> commandsThatClash(const Options& options) {
-    if (!options.only.empty() && !options.restore) {
+std::optional<std::string> commandsThatClash(const CLI::App& cli, const Options& options) {
+    if (cli.count("--only") > 0 && cli.count("--restore") == 0) {
         return "--only goes with --restore DIR";
+    }
+    if (isEmpty(cli, "--only", options.only)) {
+        return "--only needs phone, organizer, or the name of an entry's file or its UID";
     }
     if (options.restore && options.listBackups) {
         return "--restore and --list-backups are two commands; give one";
@@ -152,15 +175,22 @@ std::optional<std::string> commandsThatClash(const Options& options) {
         return std::string(options.restore ? "--restore" : "--list-backups") +
                " is a command of its own: no words and no --inspect beside it";
     }
-    if (options.restore && options.restore->empty()) {
+    if (isEmpty(cli, "--restore", options.restore)) {
         return "--restore needs the directory of a copy; --list-backups shows them";
     }
-    return std::nullopt;
+    if (!options.restore && !options.listBackups) {
+        return std::nullopt;
+    }
+    const auto idle = options.restore ? firstWithoutMeaning(cli, kWithRestore)
+                                      : firstWithoutMeaning(cli, kWithList);
+    return idle ? std::optional(*idle + " has no meaning beside " +
+                                (options.restore ? "--restore" : "--list-backups"))
+                : std::nullopt;
 }
 
 std::optional<std::string> namesNotBuilt(const std::vector<std::string>& arguments) {
     for (const std::string& argument : arguments) {
-        const std::string name = lower(argument.substr(0, argument.find('=')));
+        const std::string name = lowerAscii(argument.substr(0, argument.find('=')));
         if (std::ranges::find(kNotBuilt, name) != kNotBuilt.end()) {
             return name + " is not available in this version; nothing was read or written";
         }
@@ -213,13 +243,13 @@ Parsed parseOptions(const std::vector<std::string>& arguments) {
         }
         parsed.options.words.push_back(extra);
     }
-    parsed.options.answer = lower(parsed.options.answer);
+    parsed.options.answer = lowerAscii(parsed.options.answer);
     for (const auto& problem : {takeSets(sets, parsed.options), takeLimit(limit, parsed.options)}) {
         if (problem) {
             return usage(*problem);
         }
     }
-    if (const auto problem = commandsThatClash(parsed.options)) {
+    if (const auto problem = commandsThatClash(cli, parsed.options)) {
         return usage(*problem);
     }
     if (parsed.options.inspect && parsed.options.files.empty()) {

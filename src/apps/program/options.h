@@ -25,7 +25,7 @@ struct Options {
     bool noBackup = false;
     std::int64_t maxRemove = -1;        ///< negative: all
     std::optional<std::string> restore; ///< the copy to go back to
-    std::string only;                   ///< phone, organizer or an entry's name; empty: all
+    std::optional<std::string> only;    ///< phone, organizer or an entry's name; nothing: all
     bool listBackups = false;
     bool quiet = false;
     bool verbose = false;

@@ -50,7 +50,10 @@ ExitStatus statusOf(StoreSide side) {
 }
 
 /// A copy is named by its directory, or by its name alone.
-fs::path directoryOf(const std::string& named) {
+fs::path directoryOf(std::string named) {
+    while (named.size() > 1 && named.ends_with('/')) {
+        named.pop_back();
+    }
     const fs::path listed = backupDirectory() / named;
     std::error_code ignored;
     const bool isName = named.find('/') == std::string::npos && !fs::exists(named, ignored);
@@ -62,9 +65,9 @@ StoredRun openCopy(const std::string& named) {
     StoredRun run;
     if (const auto failure = attempt([&] { run = platform::openStoredRun(directory); })) {
         const bool foreign = failure->Number == failure_number::kNotFound;
-        stop(ExitStatus::usage,
-             directory.string() + (foreign ? " is no copy that a run of this program made"
-                                           : " is damaged: " + toUtf8(failure->Description)));
+        const std::string words = foreign ? " is no copy that a run of this program made"
+                                          : ": " + toUtf8(failure->Description);
+        stop(ExitStatus::usage, directory.string() + words);
     }
     return run;
 }
@@ -83,7 +86,12 @@ public:
         openSides();
         select();
         decide();
-        checkLimit();
+        if (const auto limit = overLimit()) {
+            report_.dryRun = true;
+            tell(limit);
+            report_.exit = ExitStatus::stopped;
+            return;
+        }
         if (!options_.dryRun) {
             undoAll();
         }
@@ -108,7 +116,7 @@ private:
     }
 
     [[nodiscard]] bool wants(StoreSide side) const {
-        const Text only = fromUtf8(options_.only);
+        const Text only = fromUtf8(options_.only.value_or(""));
         const bool namesOther = sameText(only, side == StoreSide::phone ? u"organizer" : u"phone");
         return !namesOther && std::ranges::any_of(run_.changes, [side](const Change& change) {
             return change.side == side;
@@ -174,8 +182,8 @@ private:
     platform::BackupOf what() {
         platform::BackupOf what;
         what.facts.command = "--restore " + run_.directory.filename().string();
-        if (!options_.only.empty()) {
-            what.facts.command += " --only " + options_.only;
+        if (options_.only) {
+            what.facts.command += " --only " + *options_.only;
         }
         what.facts.kinds = run_.manifest.kinds;
         what.facts.restored = run_.directory.string();
@@ -194,16 +202,17 @@ private:
     // What is to be undone
 
     void select() {
-        const bool all = !namesEntry(options_.only);
-        selectWhere([&](const Change& change) { return all || bearsName(change, options_.only); });
-        if (all) {
+        if (!options_.only || !namesEntry(*options_.only)) {
+            selectWhere([](const Change&) { return true; });
             return;
         }
+        const std::string& only = *options_.only;
+        selectWhere([&](const Change& change) { return bearsName(change, only); });
         if (report_.entries.empty()) {
-            selectWhere([this](const Change& change) { return bearsIdentifier(change); });
+            selectWhere([&](const Change& change) { return bearsIdentifier(change, only); });
         }
         if (report_.entries.size() != 1) {
-            stop(ExitStatus::usage, "--only " + options_.only + ": " + foundInWords());
+            stop(ExitStatus::usage, "--only " + only + ": " + foundInWords());
         }
     }
 
@@ -216,14 +225,14 @@ private:
         }
     }
 
-    /// An entry that no file name tells is looked for by its UID.
-    bool bearsIdentifier(const Change& change) {
+    /// An entry that no file name tells is looked for by its UID; one that cannot be read has none.
+    bool bearsIdentifier(const Change& change, const std::string& identifier) {
         bool found = false;
-        orStop(statusOf(change.side), [&] {
+        static_cast<void>(attempt([&] {
             const auto bytes = change.before ? run_.copied(change.side, change.name)
                                              : of(change.side).files->read(change.name);
-            found = bytes && holdsLine(*bytes, "UID:" + options_.only);
-        });
+            found = bytes && holdsLine(*bytes, "UID:" + identifier);
+        }));
         return found;
     }
 
@@ -231,33 +240,42 @@ private:
         if (report_.entries.empty()) {
             return "the run changed no entry of this name";
         }
-        std::string words = "more than one entry bears this name:";
+        std::string words = "more than one entry bears this name";
+        const char* before = ": ";
         for (const RestoredEntry& entry : report_.entries) {
-            words += ' ' + entry.change->name;
+            words += before + std::string(wordOf(entry.change->side)) + ' ' + entry.change->name;
+            before = ", ";
         }
         return words;
     }
 
     void decide() {
         for (RestoredEntry& entry : report_.entries) {
-            const Change& change = *entry.change;
-            orStop(statusOf(change.side), [&] {
-                entry.undo = platform::undoOf(
-                    change, platform::contentOf(of(change.side).files->read(change.name)));
-            });
+            entry.undo = {entry.change->side, entry.change->name, UndoAction::none, {}};
+            entry.failure = attempt([&] { entry.undo = decisionOf(*entry.change); });
+            if (entry.failure && entry.failure->Number == failure_number::kServerGone) {
+                throw Stop{statusOf(entry.undo.side), *entry.failure};
+            }
+            noteOf(entry);
         }
     }
 
-    void checkLimit() const {
+    Undo decisionOf(const Change& change) {
+        return platform::undoOf(change,
+                                platform::contentOf(of(change.side).files->read(change.name)));
+    }
+
+    [[nodiscard]] std::optional<Failure> overLimit() const {
         const auto removals = std::ranges::count_if(report_.entries, [](const RestoredEntry& e) {
             return e.undo.action == UndoAction::remove;
         });
-        if (options_.maxRemove >= 0 && removals > options_.maxRemove) {
-            stop(ExitStatus::stopped, "The restore would remove " + std::to_string(removals) +
-                                          " entries; --max-remove allows " +
-                                          std::to_string(options_.maxRemove) +
-                                          ". Nothing was changed");
+        if (options_.maxRemove < 0 || removals <= options_.maxRemove) {
+            return std::nullopt;
         }
+        return Failure(failure_number::kInternal,
+                       u"The restore would remove " + decimal(removals) +
+                           (removals == 1 ? u" entry" : u" entries") + u"; --max-remove allows " +
+                           decimal(options_.maxRemove) + u". Nothing was changed");
     }
 
     // Doing it
@@ -289,17 +307,18 @@ private:
             cancelled_ = cancelled_ || platform::terminated() || platform::interruptCount() > 0;
             entry.failure =
                 cancelled_ || ended_ ? std::optional(notTried()) : attempt([&] { undo(entry); });
-            if (entry.failure) {
-                entry.failure->File = fromUtf8(entry.undo.name);
-            }
-            note(entry.failure);
+            noteOf(entry);
             ended_ = ended_ || (entry.failure && endsAll(*entry.failure));
         }
     }
 
-    void undo(const RestoredEntry& entry) {
+    void undo(RestoredEntry& entry) {
         StoreFiles& files = *of(entry.undo.side).files;
-        if (entry.undo.action == UndoAction::remove) {
+        // Somebody may have changed it while the restore ran: what he wrote is left alone, too.
+        const Undo now = decisionOf(*entry.change);
+        if (now.action == UndoAction::keep || now.action == UndoAction::none) {
+            entry.undo = now;
+        } else if (now.action == UndoAction::remove) {
             files.remove(entry.undo.name);
         } else {
             files.write(entry.undo.name, run_.bytesOf(*entry.change));
@@ -331,6 +350,13 @@ private:
             report_.failures.push_back({decimal(failure->Number), failure->Description, u"Restore",
                                         u"restoreRun", failure->File, failure->Line});
         }
+    }
+
+    void noteOf(RestoredEntry& entry) {
+        if (entry.failure) {
+            entry.failure->File = fromUtf8(entry.undo.name);
+        }
+        note(entry.failure);
     }
 
     /// The same for a failure that is no entry's, which no other line would name.

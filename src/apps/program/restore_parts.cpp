@@ -18,6 +18,19 @@ const char* folderOf(EntryKinds kind) {
     return kind.calendar ? "/cal/" : "/pb/";
 }
 
+/// The lines as they are meant: ended by LF, those that go on behind a blank put together.
+std::string unfolded(std::string_view bytes) {
+    std::string text;
+    for (const char c : bytes) {
+        if ((c == ' ' || c == '\t') && text.ends_with('\n')) {
+            text.pop_back();
+        } else if (c != '\r') {
+            text += c;
+        }
+    }
+    return text;
+}
+
 bool holdsAsBefore(StoreSide side, StoreFiles& files, const platform::StoredRun& run,
                    EntryKinds kind) {
     const auto present = files.entries(kind);
@@ -43,18 +56,18 @@ bool namesEntry(const std::string& only) {
 
 bool bearsName(const platform::Change& change, const std::string& name) {
     const std::string file = lastPart(change.name);
-    const std::string stem = file.substr(0, file.rfind('.'));
-    return change.name == name || file == name ||
-           (change.side == StoreSide::organizer && stem == name);
+    if (change.side == StoreSide::phone) {
+        // A phone knows one object of a number, however its ending is written.
+        return lowerAscii(change.name) == lowerAscii(name) || lowerAscii(file) == lowerAscii(name);
+    }
+    return change.name == name || file == name || file.substr(0, file.rfind('.')) == name;
 }
 
 bool holdsLine(std::string_view bytes, const std::string& line) {
-    for (std::size_t at = bytes.find(line); at != std::string_view::npos;
-         at = bytes.find(line, at + 1)) {
+    const std::string text = unfolded(bytes);
+    for (std::size_t at = text.find(line); at != std::string::npos; at = text.find(line, at + 1)) {
         const std::size_t end = at + line.size();
-        const bool begins = at == 0 || bytes[at - 1] == '\n';
-        const bool ends = end == bytes.size() || bytes[end] == '\r' || bytes[end] == '\n';
-        if (begins && ends) {
+        if ((at == 0 || text[at - 1] == '\n') && (end == text.size() || text[end] == '\n')) {
             return true;
         }
     }

@@ -14,7 +14,7 @@ bool namesEntry(const std::string& only);
 /// file's without the ending, which is the UID where this program made it.
 bool bearsName(const platform::Change& change, const std::string& name);
 
-/// True when this is one whole line of the bytes.
+/// True when this is one whole line of the bytes, folded or not.
 bool holdsLine(std::string_view bytes, const std::string& line);
 
 /// Puts the status files of a side back as far as its entries are those of before the run again. A

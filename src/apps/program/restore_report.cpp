@@ -15,10 +15,6 @@ std::string nameOf(const RestoredEntry& entry) {
     return toUtf8(fromUtf8(entry.undo.name)); // a name of the disk need not be UTF-8
 }
 
-const char* sideOf(const RestoredEntry& entry) {
-    return entry.undo.side == StoreSide::phone ? "phone" : "organizer";
-}
-
 bool isLeft(const RestoredEntry& entry) {
     return entry.failure || entry.undo.action == UndoAction::keep;
 }
@@ -42,7 +38,7 @@ const char* actionOf(const RestoredEntry& entry) {
 }
 
 std::string reasonOf(const RestoredEntry& entry) {
-    return entry.failure ? toUtf8(entry.failure->Description) : entry.undo.reason;
+    return entry.failure ? toUtf8(onOneLine(entry.failure->Description)) : entry.undo.reason;
 }
 
 std::string inWords(const RestoredEntry& entry, bool dryRun) {
@@ -64,12 +60,35 @@ std::string inWords(const RestoredEntry& entry, bool dryRun) {
     }
 }
 
+/// "5 entries of the run: 3 put back, 1 removed, ..."
+std::string countsInWords(const RestoreReport& report) {
+    const auto count = [&](auto&& is) {
+        return std::to_string(std::ranges::count_if(report.entries, is));
+    };
+    const auto did = [](const RestoredEntry& entry, std::initializer_list<UndoAction> actions) {
+        return !entry.failure && std::ranges::find(actions, entry.undo.action) != actions.end();
+    };
+    const std::size_t all = report.entries.size();
+    return std::to_string(all) + (all == 1 ? " entry" : " entries") +
+           " of the run: " + count([&](const auto& e) {
+               return did(e, {UndoAction::create, UndoAction::replace});
+           }) +
+           " put back, " + count([&](const auto& e) { return did(e, {UndoAction::remove}); }) +
+           " removed, " + count([&](const auto& e) { return did(e, {UndoAction::none}); }) +
+           " as before, " + count([&](const auto& e) { return did(e, {UndoAction::keep}); }) +
+           " left alone, " + count([](const auto& e) { return e.failure.has_value(); }) + " failed";
+}
+
 } // namespace
+
+const char* wordOf(StoreSide side) {
+    return side == StoreSide::phone ? "phone" : "organizer";
+}
 
 void writeJson(std::ostream& out, const RestoreReport& report) {
     Json rows = Json::array();
     for (const RestoredEntry& entry : report.entries) {
-        rows.push_back({{"side", sideOf(entry)},
+        rows.push_back({{"side", wordOf(entry.undo.side)},
                         {"name", nameOf(entry)},
                         {"action", actionOf(entry)},
                         {"reason", orNull(reasonOf(entry))}});
@@ -85,16 +104,16 @@ void writeJson(std::ostream& out, const RestoreReport& report) {
 void writeText(std::ostream& out, std::ostream& errors, const RestoreReport& report, bool quiet) {
     for (const RestoredEntry& entry : report.entries) {
         if (isLeft(entry) || !quiet) {
-            (isLeft(entry) ? errors : out) << sideOf(entry) << ' ' << nameOf(entry) << ": "
-                                           << inWords(entry, report.dryRun) << '\n';
+            (isLeft(entry) ? errors : out) << wordOf(entry.undo.side) << ' ' << nameOf(entry)
+                                           << ": " << inWords(entry, report.dryRun) << '\n';
         }
     }
     if (quiet) {
         return;
     }
-    const auto left = std::ranges::count_if(report.entries, isLeft);
-    out << report.entries.size() << " entries of the run, " << left << " left alone\n"
-        << backupLine(report.backup);
+    out << countsInWords(report)
+        << (report.dryRun ? "; so it would be, nothing was changed\n" : "\n");
+    errors << backupLine(report.backup);
 }
 
 } // namespace tandolin::program

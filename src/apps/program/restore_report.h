@@ -19,7 +19,7 @@ struct RestoredEntry {
 
 /// What a restore tells at its end.
 struct RestoreReport {
-    bool dryRun = false;
+    bool dryRun = false; ///< nothing was changed: the entries tell what would be
     std::string directory;
     std::string backup; ///< its own copy; empty when there is none
     std::vector<RestoredEntry> entries;
@@ -27,11 +27,15 @@ struct RestoreReport {
     ExitStatus exit = ExitStatus::done;
 };
 
+/// "phone" or "organizer".
+const char* wordOf(StoreSide side);
+
 /// One document with `exit`, `errors` and the list `restored`.
 void writeJson(std::ostream& out, const RestoreReport& report);
 
-/// One line an entry: what was done to `out`, what was left alone or failed to `errors`. With
-/// `quiet` the second alone.
+/// One line an entry and one of counts: what was done to `out`, what was left alone or failed to
+/// `errors`, where the line that names the own copy goes, too. With `quiet` what was left or failed
+/// alone.
 void writeText(std::ostream& out, std::ostream& errors, const RestoreReport& report, bool quiet);
 
 } // namespace tandolin::program

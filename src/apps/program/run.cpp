@@ -225,6 +225,14 @@ void warnOfUnknownWords(const Options& options, std::ostream& errors) {
 
 int report(const Options& options, RunFacts facts, std::ostream& out) {
     facts.failures = listening.failures;
+    if (app.run.otherInstance) {
+        facts.failures.push_back({decimal(failure_number::kInternal),
+                                  onOneLine(tr(ids::kAlreadyActive)),
+                                  u"Main_Modul",
+                                  u"Check4PrevInstance",
+                                  {},
+                                  0});
+    }
     facts.exit = exitStatus();
     if (options.json || options.quiet) {
         writeFailedRows(*listening.errors);
@@ -234,11 +242,6 @@ int report(const Options& options, RunFacts facts, std::ostream& out) {
     } else if (!options.quiet && !isKill(options)) {
         writeSummary(out);
         *listening.errors << backupLine(facts.backup);
-    }
-    out.flush();
-    if (!out) {
-        *listening.errors << "the result could not be written to standard output\n";
-        return std::max(static_cast<int>(facts.exit), static_cast<int>(ExitStatus::incomplete));
     }
     return static_cast<int>(facts.exit);
 }
@@ -250,6 +253,12 @@ int silentRun(const std::string& programPath, const std::vector<std::string>& ar
     app.core.programPath = fromUtf8(programPath);
     app.core.commandLine = fromUtf8(joined(options.words));
     app.core.callLine = fromUtf8(joined(arguments));
+    // A side that this version does not have is refused before anything is read.
+    if (const auto problem =
+            openStores(options.phone, options.organizer, options.dryRun, wiring.clock()).problem) {
+        errors << *problem << '\n';
+        return 2;
+    }
     if (const auto problem = wiring.applySets()) {
         errors << "--set " << toUtf8(*problem) << '\n';
         return 2;
@@ -286,10 +295,8 @@ int silentRun(const std::string& programPath, const std::vector<std::string>& ar
         out);
 }
 
-} // namespace
-
-int runProgram(const std::string& programPath, const std::vector<std::string>& arguments,
-               std::ostream& out, std::ostream& errors, const Around& around) {
+int command(const std::string& programPath, const std::vector<std::string>& arguments,
+            std::ostream& out, std::ostream& errors, const Around& around) {
     const Parsed parsed = parseOptions(arguments);
     if (parsed.exit) {
         (parsed.textIsHelp ? out : errors) << parsed.text << (parsed.textIsHelp ? "" : "\n");
@@ -312,6 +319,19 @@ int runProgram(const std::string& programPath, const std::vector<std::string>& a
         return *status;
     }
     return silentRun(programPath, arguments, options, out, errors, around);
+}
+
+} // namespace
+
+int runProgram(const std::string& programPath, const std::vector<std::string>& arguments,
+               std::ostream& out, std::ostream& errors, const Around& around) {
+    const int status = command(programPath, arguments, out, errors, around);
+    out.flush();
+    if (out) {
+        return status;
+    }
+    errors << "the result could not be written to standard output\n";
+    return std::max(status, static_cast<int>(ExitStatus::incomplete));
 }
 
 } // namespace tandolin::program
