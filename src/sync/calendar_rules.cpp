@@ -13,6 +13,8 @@ namespace {
 using Rows = const Table<Calendar>&;
 
 constexpr TextView kPhoneCallTyp = u"3";
+/// What the phone's form writes in other words than itself.
+constexpr TextView kNotPlain = u"=;\\";
 
 bool meetsAnyOrganizerRow(TextView typ) {
     return typ.empty() || typ == u"2" || typ == u"3";
@@ -164,6 +166,19 @@ bool EntryTypeCheck(std::int16_t SyncTermine, Rows table) {
     constexpr std::array<TextView, 4> kKinds{u"", u"1", u"2", u"3"};
     const auto* const kind = std::ranges::find(kKinds, table[cal::Typ]);
     return kind != kKinds.end() && (SyncTermine >> (kind - kKinds.begin()) & 1) != 0;
+}
+
+std::optional<Text> textChangedOnPhone(Rows row) {
+    const TextView text = row[cal::Text];
+    const bool isPlain = std::ranges::all_of(text, [](char16_t c) {
+        return c >= u' ' && c <= u'~' && kNotPlain.find(c) == TextView::npos;
+    });
+    if (isPlain) {
+        return std::nullopt;
+    }
+    Text back = textReadBack(row);
+    const bool same = back.empty() || comparable(back) == comparable(textOnPhone(row));
+    return same ? std::nullopt : std::optional(std::move(back));
 }
 
 bool textsEqualOnPhone(Rows organizer, Rows phone) {

@@ -2,6 +2,8 @@
 
 #include "store/tables.h"
 
+#include <optional>
+
 namespace tandolin {
 
 // The rules by which a row just read and a row of the main table are one entry. Pure: they look at
@@ -40,6 +42,10 @@ void vcalTextCheck(Table<Calendar>& table);
 /// cut to its length, without regard to case, trailing blanks and the form of line breaks? For a
 /// phone call its digits alone may equal too.
 bool textsEqualOnPhone(const Table<Calendar>& organizer, const Table<Calendar>& phone);
+
+/// The organizer row's text as the phone gives it back, where that differs by more than the cut: a
+/// control character takes the letter behind it along. Nothing where it comes back as it was.
+std::optional<Text> textChangedOnPhone(const Table<Calendar>& organizer);
 
 /// What `vcalTextCheck` would leave of the current row's text.
 Text textOnPhone(const Table<Calendar>& table);

@@ -104,10 +104,13 @@ Text seriesLossOnPhone(const AppointmentFacts& item, Date shown) {
 
 Text textLossOnPhone(const Table<Calendar>& row) {
     const Text cut = textOnPhone(row);
-    return cut.size() == row[cal::Text].size()
-               ? Text()
-               : u"cut to " + decimal(static_cast<std::int64_t>(cut.size())) + u" characters: '" +
-                     cut + u"'";
+    const Text shortened = cut.size() == row[cal::Text].size()
+                               ? Text()
+                               : u"cut to " + decimal(static_cast<std::int64_t>(cut.size())) +
+                                     u" characters: '" + cut + u"'";
+    const std::optional<Text> changed = textChangedOnPhone(row);
+    return joinedSentences(
+        {shortened, changed ? u"the phone gives it back as '" + *changed + u"'" : Text()});
 }
 
 Text alarmLossOnPhone(const AppointmentFacts& item) {

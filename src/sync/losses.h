@@ -12,7 +12,8 @@ namespace tandolin {
 /// `shown` is the start that goes to the phone.
 Text seriesLossOnPhone(const AppointmentFacts& item, Date shown);
 
-/// Of an organizer row's text, before it is cut for the phone.
+/// Of an organizer row's text, before it is cut for the phone: the cut, and what else the phone
+/// gives back in another form.
 Text textLossOnPhone(const Table<Calendar>& row);
 
 /// Of a reminder of the organizer that does not ring at the start.

@@ -16,6 +16,10 @@ std::string withLineFeeds(TextView text) {
     return bytes;
 }
 
+std::string lineOf(TextView text) {
+    return toUtf8(onOneLine(text));
+}
+
 template <class Wanted>
 void writeRows(std::ostream& out, Wanted&& wanted) {
     Table<CalendarLog>& log = logTables.calendar;
@@ -26,8 +30,8 @@ void writeRows(std::ostream& out, Wanted&& wanted) {
         }
         out << toUtf8(log[callog::Transfer]) << ' ' << toUtf8(log[callog::Action]) << ' '
             << toUtf8(isoDate(log[callog::Date])) << ' ' << toUtf8(isoTime(log[callog::Time]))
-            << ' ' << toUtf8(log[callog::Typ]) << ' ' << toUtf8(log[callog::Text])
-            << (failed ? " FAILED: " + toUtf8(log[callog::ErrorDesc]) : "") << '\n';
+            << ' ' << toUtf8(log[callog::Typ]) << ' ' << lineOf(log[callog::Text])
+            << (failed ? " FAILED: " + lineOf(log[callog::ErrorDesc]) : "") << '\n';
     }
 }
 
@@ -41,8 +45,8 @@ void writeSummary(std::ostream& out) {
     out << withLineFeeds(app.log.summary) << "\n\n";
     writeRows(out, [](bool) { return true; });
     for (const Note& note : app.run.notes) {
-        out << toUtf8(note.kind) << ": " << toUtf8(note.side) << ' ' << toUtf8(note.file) << ' '
-            << (note.text.empty() ? "" : toUtf8(note.text) + ": ") << toUtf8(note.reason) << '\n';
+        out << toUtf8(note.kind) << ": " << toUtf8(note.side) << ' ' << lineOf(note.file) << ' '
+            << (note.text.empty() ? "" : lineOf(note.text) + ": ") << lineOf(note.reason) << '\n';
     }
 }
 
@@ -52,9 +56,9 @@ std::string backupLine(const std::string& backup) {
 }
 
 std::string failureLine(const ReportedFailure& failure) {
-    std::string line = toUtf8(failure.number) + ": " + toUtf8(failure.description);
+    std::string line = toUtf8(failure.number) + ": " + lineOf(failure.description);
     if (!failure.file.empty()) {
-        line += " [" + toUtf8(failure.file);
+        line += " [" + lineOf(failure.file);
         line += failure.line > 0 ? ", line " + std::to_string(failure.line) + "]" : "]";
     }
     return line;
