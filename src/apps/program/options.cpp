@@ -140,6 +140,8 @@ constexpr std::array kWithRestore{"--restore",    "--only",    "--phone",
                                   "--organizer",  "--dry-run", "--no-backup",
                                   "--max-remove", "--json",    "--quiet"};
 constexpr std::array kWithList{"--list-backups", "--json", "--quiet"};
+/// What may stand in every call of a script: without effect, and no mistake.
+constexpr std::array kWithAll{"--settings", "--home", "--verbose"};
 
 /// The first option that would have no effect beside the command.
 template <std::size_t Size>
@@ -147,8 +149,10 @@ std::optional<std::string> firstWithoutMeaning(const CLI::App& cli,
                                                const std::array<const char*, Size>& known) {
     for (const CLI::Option* option : cli.get_options()) {
         const std::string name = option->get_name();
-        if (option->count() > 0 && option->nonpositional() &&
-            std::ranges::find(known, name) == known.end()) {
+        const auto isIn = [&name](const auto& names) {
+            return std::ranges::find(names, name) != names.end();
+        };
+        if (option->count() > 0 && option->nonpositional() && !isIn(known) && !isIn(kWithAll)) {
             return name;
         }
     }
