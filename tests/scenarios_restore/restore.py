@@ -37,8 +37,8 @@ class World(Scenario):
         self.lay_out()
 
     def call(self, *arguments, env=None, extra=SIDES):
-        command = ["faketime", "-f", self.how.get("day", "2027-03-01 12:00:00"), PROGRAM, *extra, *arguments]
-        done = subprocess.run(command, cwd=self.copy, env=self.environment() | (env or {}), capture_output=True, timeout=60)
+        command = [PROGRAM, *extra, *arguments]
+        done = subprocess.run(command, cwd=self.copy, env=self.environment() | self.clock() | (env or {}), capture_output=True, timeout=60)
         return self.outcome(done.returncode, done.stdout.decode(), done.stderr.decode())
 
     def sync(self, *arguments):
@@ -195,13 +195,14 @@ def killed():
         (calendar / f"{n}.vcs").write_bytes(OBJECT.format(*day, *day, n).encode())
     calendar.joinpath("info.log").write_bytes(b"MAXIMUM-RECORDS:5000\r\nTOTAL-RECORDS:2000\r\nLAST-USED-INDEX:2099\r\n")
     before = world.state()
-    command = ["faketime", "-f", world.how.get("day", "2027-03-01 12:00:00"), PROGRAM, *SIDES, "VCAL", "--set", "SyncTyp=4", "--quiet"]
-    process = subprocess.Popen(command, cwd=world.copy, env=world.environment(), stderr=subprocess.DEVNULL, start_new_session=True)
+    command = [PROGRAM, *SIDES, "VCAL", "--set", "SyncTyp=4", "--quiet"]
+    process = subprocess.Popen(command, cwd=world.copy, env=world.environment() | world.clock(), stderr=subprocess.DEVNULL, start_new_session=True)
     folder = world.copy / "organizer/calendar"
     while len(os.listdir(folder)) < 200 and process.poll() is None:
         time.sleep(0.002)
     os.killpg(process.pid, signal.SIGKILL)
     process.wait()
+    world.forget_clock(process.pid)
     written = len(world.state()["organizer"]) - len(before["organizer"])
     expect("killed in the middle", 100 < written < 2000, True)
     listed = json.loads(world.call("--list-backups", "--json", extra=[])["out"])["backups"]
@@ -367,8 +368,8 @@ def changed_while_restoring():
     before = set(os.listdir(folder))
     backup = Path(world.absolute(world.sync()["backup"]))
     made = [line.split("\t")[-1] for line in (backup / "journal").read_text().splitlines() if "\torganizer\t" in line]
-    command = ["faketime", "-f", world.how.get("day", "2027-03-01 12:00:00"), PROGRAM, "--restore", str(backup), "--json"]
-    process = subprocess.Popen(command, cwd=world.copy, env=world.environment(), stdout=subprocess.PIPE, start_new_session=True)
+    command = [PROGRAM, "--restore", str(backup), "--json"]
+    process = subprocess.Popen(command, cwd=world.copy, env=world.environment() | world.clock(), stdout=subprocess.PIPE, start_new_session=True)
     full = len(os.listdir(folder))
     while len(os.listdir(folder)) == full and process.poll() is None:
         time.sleep(0.0005)
@@ -437,7 +438,7 @@ def lists():
     manifest.write_text(done)
     with open("/dev/full", "w") as full:
         for arguments in (["--list-backups"], ["--help"], ["--restore", backup.name, "--dry-run"], ["--inspect", "phone/telecom/cal/1.vcs"]):
-            ended = subprocess.run([PROGRAM, *arguments], cwd=world.copy, env=world.environment(), stdout=full, stderr=subprocess.PIPE, timeout=60)
+            ended = subprocess.run([PROGRAM, *arguments], cwd=world.copy, env=world.environment() | world.clock(), stdout=full, stderr=subprocess.PIPE, timeout=60)
             expect(f"{arguments}: a full standard output", (ended.returncode, b"standard output" in ended.stderr), (1, True))
     (world.copy / "file").write_text("")
     listed = world.call("--list-backups", env={"XDG_STATE_HOME": str(world.copy / "file")}, extra=[])
