@@ -2,6 +2,7 @@
 #include "core/trap.h"
 #include "formats/calendar_codec.h"
 #include "formats/recurrence_rule.h"
+#include "store/copy_fields.h"
 
 #include <algorithm>
 #include <limits>
@@ -11,16 +12,6 @@ namespace tandolin {
 namespace {
 
 constexpr TextView kModule = u"vCal";
-
-/// Copies fields of one row to another, unset ones too.
-template <class... T>
-void take(Table<Calendar>& target, const Table<Calendar>& source, Field<Calendar, T>... fields) {
-    const auto one = [&](auto field) {
-        const auto value = source.get(field);
-        value ? target.set(field, *value) : target.setNull(field);
-    };
-    (one(fields), ...);
-}
 
 std::int32_t numberOf(TextView text) {
     const auto number = wholeNumber(text);
@@ -47,19 +38,19 @@ void setRule(Table<Calendar>& table, TextView frequenz, std::int64_t intervall) 
 
 void vCalSyncMobileEntry(Table<Calendar>& target, const Table<Calendar>& source) {
     trapped({kModule, u"vCalSyncMobileEntry"}, [&] {
-        take(target, source, cal::EntryID);
+        copyFields(target, source, cal::EntryID);
         target.set(cal::SubType, numberOf(source[cal::EntryID]));
         // Wanted: the meeting status goes along where one expects the memo status.
-        take(target, source, cal::Text, cal::Mobile, cal::Typ, cal::AnniversaryStatus,
-             cal::MeetingStatus, cal::PhoneCallStatus, cal::DTEnd, cal::EndDate, cal::EndTime,
-             cal::EntryFile);
+        copyFields(target, source, cal::Text, cal::Mobile, cal::Typ, cal::AnniversaryStatus,
+                   cal::MeetingStatus, cal::PhoneCallStatus, cal::DTEnd, cal::EndDate, cal::EndTime,
+                   cal::EntryFile);
         target.set(cal::EntryType, CONST_ENTRY_vCAL_BOTH);
     });
 }
 
 void vCalSyncOutlookEntry(Table<Calendar>& target, const Table<Calendar>& source) {
     trapped({kModule, u"vCalSyncOutlookEntry"}, [&] {
-        take(target, source, cal::UID, cal::PIMText, cal::PIM, cal::PIMNew);
+        copyFields(target, source, cal::UID, cal::PIMText, cal::PIM, cal::PIMNew);
         target.set(cal::EntryType, CONST_ENTRY_vCAL_BOTH);
     });
 }

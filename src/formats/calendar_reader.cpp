@@ -3,6 +3,7 @@
 #include "formats/calendar_codec.h"
 #include "formats/encodings.h"
 #include "formats/object_lines.h"
+#include "formats/object_report.h"
 #include "formats/recurrence_rule.h"
 
 #include <algorithm>
@@ -286,20 +287,9 @@ std::optional<Failure> readCalendarObject(Table<Calendar>& table, TextView objec
 
 bool ParsEntryFromMobile(Table<Calendar>& table, TextView object, TextView fileName, bool codePage,
                          Text* rule) {
-    constexpr Place kHere{u"vCal", u"ParsEntryFromMobile"};
-    return trapped(
-        kHere, false,
-        [&](bool& read) {
-            if (app.core.GlobalCommandShowText) {
-                app.ports.screen.boxes->ask(tr(ids::kProgramTitle), object, Icon::none,
-                                            Buttons::ok);
-            }
-            if (const auto failure = readCalendarObject(table, object, fileName, codePage, rule)) {
-                throw Failure(*failure);
-            }
-            read = true;
-        },
-        fileName);
+    return shownAndRead({u"vCal", u"ParsEntryFromMobile"}, object, fileName, [&] {
+        return readCalendarObject(table, object, fileName, codePage, rule);
+    });
 }
 
 } // namespace tandolin

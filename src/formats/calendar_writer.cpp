@@ -11,12 +11,6 @@ namespace {
 
 using Entry = Table<Calendar>;
 
-void addLine(Text& object, TextView tag, TextView value = {}) {
-    object += tag;
-    object += value;
-    object += kLineEnd;
-}
-
 TextView categoryOf(const Entry& row) {
     if (row[cal::MeetingStatus]) {
         return u"MEETING";

@@ -57,45 +57,39 @@ TextView takeLine(TextView& source) {
     return line;
 }
 
-std::vector<Text> SplitESCStrings(TextView text) {
+void addLine(Text& object, TextView tag, TextView value) {
+    object += tag;
+    object += value;
+    object += kLineEnd;
+}
+
+std::vector<Text> SplitESCStrings(TextView text, std::size_t most) {
     if (text.empty()) {
         return {};
     }
-    if (text.find(kEscaped) == TextView::npos) {
-        return split(text, u";");
-    }
+    const bool escapes = text.find(kEscaped) != TextView::npos;
     std::vector<Text> elements(1);
-    forEachPiece(text, [&elements](TextView piece, bool last) {
-        if (last) {
-            elements.back() += piece;
-        } else if (piece.ends_with(u'\\')) {
+    forEachPiece(text, [&](TextView piece, bool last) {
+        if (escapes && !last && piece.ends_with(u'\\')) {
             elements.back() += piece.substr(0, piece.size() - 1);
             elements.back() += u';';
-        } else {
-            // Wanted: the piece itself is lost.
-            elements.emplace_back();
+            return true;
         }
+        // Wanted: beside an escaped semicolon the piece before a plain one is lost.
+        if (!escapes || last) {
+            elements.back() += piece;
+        }
+        if (last || elements.size() == most) {
+            return false;
+        }
+        elements.emplace_back();
         return true;
     });
     return elements;
 }
 
 Text firstOfESCStrings(TextView text) {
-    if (text.find(kEscaped) == TextView::npos) {
-        return Text(text.substr(0, text.find(u';')));
-    }
-    Text first;
-    forEachPiece(text, [&first](TextView piece, bool last) {
-        const bool escaped = !last && piece.ends_with(u'\\');
-        if (escaped) {
-            first += piece.substr(0, piece.size() - 1);
-            first += u';';
-        } else if (last) {
-            first += piece;
-        }
-        return escaped;
-    });
-    return first;
+    return text.empty() ? Text() : std::move(SplitESCStrings(text, 1).front());
 }
 
 void CheckSemicolonInToken(Text& text) {

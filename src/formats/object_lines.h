@@ -23,11 +23,15 @@ TextView HolTeilstring(TextView& source, TextView separator);
 /// without a line end is one last line.
 TextView takeLine(TextView& source);
 
-/// Splits on ";" unless it is escaped with a backslash. A text that holds both plain and escaped
-/// semicolons loses the piece before a plain one: "a;b\;c" gives "" and "b;c". Empty for "".
-std::vector<Text> SplitESCStrings(TextView text);
+/// Adds a line that goes out: tag, value and line end.
+void addLine(Text& object, TextView tag, TextView value = {});
 
-/// The first element of `SplitESCStrings`, or an empty text; without making the others.
+/// Splits on ";" unless it is escaped with a backslash. A text that holds both plain and escaped
+/// semicolons loses the piece before a plain one: "a;b\;c" gives "" and "b;c". Empty for "". At
+/// most `most` elements (1 or more) are made, the first ones.
+std::vector<Text> SplitESCStrings(TextView text, std::size_t most = TextView::npos);
+
+/// The first element of `SplitESCStrings`, or an empty text.
 Text firstOfESCStrings(TextView text);
 
 /// Puts a backslash before every ";", also where one stands already.

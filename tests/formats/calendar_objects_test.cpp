@@ -8,24 +8,11 @@
 #include "formats/row_text.h"
 #include "support/fresh_program.h"
 
-#include <algorithm>
-
 using namespace tandolin;
 using namespace tandolin::testing;
 namespace fs = std::filesystem;
 
 namespace {
-
-std::vector<fs::path> objectFiles() {
-    std::vector<fs::path> files;
-    for (const auto& entry : fs::directory_iterator(fs::path(TANDOLIN_TEST_DATA) / "vcal")) {
-        if (entry.path().extension() == ".vcs") {
-            files.push_back(entry.path());
-        }
-    }
-    std::ranges::sort(files);
-    return files;
-}
 
 /// Takes a "given" line off the front and sets what it says.
 void takeGiven(std::string& expected) {
@@ -40,7 +27,7 @@ void takeGiven(std::string& expected) {
 } // namespace
 
 TEST_CASE("objects in files read as the rows beside them and go out as said") {
-    const std::vector<fs::path> files = objectFiles();
+    const std::vector<fs::path> files = dataFiles("vcal", ".vcs");
     REQUIRE(files.size() > 30);
     for (const fs::path& file : files) {
         CAPTURE(file.filename().string());

@@ -2,6 +2,7 @@
 
 #include <doctest/doctest.h>
 
+#include <algorithm>
 #include <fstream>
 #include <iterator>
 
@@ -46,11 +47,7 @@ std::string cellText(const Row& row, const FieldSpec& spec, std::size_t field) {
     }
 }
 
-} // namespace
-
-std::string rowText(const Table<Calendar>& table) {
-    Table<Calendar> fresh;
-    vCalCreateNewRecord(fresh);
+std::string difference(const TableCore& table, const TableCore& fresh) {
     std::string lines;
     for (std::size_t i = 0; i < table.fields().size(); ++i) {
         const FieldSpec& spec = table.fields()[i];
@@ -60,6 +57,32 @@ std::string rowText(const Table<Calendar>& table) {
         }
     }
     return lines;
+}
+
+} // namespace
+
+std::string rowText(const Table<Calendar>& table) {
+    Table<Calendar> fresh;
+    vCalCreateNewRecord(fresh);
+    return difference(table, fresh);
+}
+
+std::string rowText(const Table<Contact>& table) {
+    Table<Contact> fresh;
+    vCardCreateNewRecord(fresh);
+    return difference(table, fresh);
+}
+
+std::vector<std::filesystem::path> dataFiles(const char* folder, const char* ending) {
+    std::vector<std::filesystem::path> files;
+    for (const auto& entry :
+         std::filesystem::directory_iterator(std::filesystem::path(TANDOLIN_TEST_DATA) / folder)) {
+        if (entry.path().extension() == ending) {
+            files.push_back(entry.path());
+        }
+    }
+    std::ranges::sort(files);
+    return files;
 }
 
 std::string failureText(const Failure& failure) {
