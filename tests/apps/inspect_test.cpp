@@ -20,14 +20,15 @@ struct Inspected {
     std::string errors;
 };
 
-Inspected inspectIn(const RunFolder& folder, const std::vector<std::string>& names) {
+Inspected inspectIn(const RunFolder& folder, const std::vector<std::string>& names,
+                    bool emit = false) {
     std::vector<std::string> files;
     for (const std::string& name : names) {
         files.push_back((folder.scratch.path / name).string());
     }
     std::ostringstream out;
     std::ostringstream errors;
-    const int exit = program::inspect(files, false, out, errors);
+    const int exit = program::inspect(files, emit, out, errors);
     return {exit, out.str(), errors.str()};
 }
 
@@ -57,22 +58,59 @@ TEST_CASE("The fields of an object, one compact document a line") {
     CHECK_FALSE(holds(result.out, "\"object\""));
 }
 
-TEST_CASE("A file that cannot be read, and one that is a card") {
+TEST_CASE("A file that cannot be read") {
     const RunFolder folder;
     folder.object(1, kMeeting);
     folder.object(2, "CATEGORIES:PARTY\r\n");
-    folder.put("phone/card.txt", "begin:vcard\r\nEND:VCARD\r\n");
-    folder.put("phone/name.VCF", "");
     const Inspected bad = inspectIn(
         folder, {"phone/telecom/cal/2.vcs", "phone/absent.vcs", "phone/telecom/cal/1.vcs"});
     CHECK(bad.exit == 1);
     CHECK(holds(bad.out, "\"ok\":false,\"error\":{\"number\":-1994,"));
     CHECK(std::ranges::count(bad.out, '\n') == 3);
     CHECK(holds(bad.out, "\"ok\":true"));
-    for (const char* card : {"phone/card.txt", "phone/name.VCF"}) {
-        CHECK(inspectIn(folder, {card}).exit == 2);
-        CHECK(holds(inspectIn(folder, {card}).errors, card));
+}
+
+TEST_CASE("What counts as a card, and the fields of one") {
+    struct Case {
+        const char* name;
+        std::string bytes;
+        int exit;
+        const char* part;
+    };
+
+    const RunFolder folder;
+    for (const Case& c : std::to_array<Case>({
+             {"card.txt", "begin:vcard\r\n", 0,
+              "\"error\":null,\"fields\":{\"PIM\":false,"
+              "\"Mobile\":true,\"LastName\":\"\""},
+             {"empty.VCF", "", 1, "\"LastName\":\"\""},
+             {"absent.vcf", "-", 1, "\"MobileCategoriesText\":\"\"}"},
+             {"entry.vcf", "BEGIN:VCALENDAR\r\n", 1, "\"number\":-1996,"},
+             {"a.vcf", "BEGIN:VCARD\r\nVERSION:2.1\r\nN:Meier;Zo\xC3\xA9\r\nCATEGORIES:VIP\r\n", 0,
+              "\"LastName\":\"Meier\",\"FirstName\":\"Zoé\""},
+             {"b.txt", "BEGIN:VCARD\r\nTEL;CELL:1\r\n", 0,
+              "\"EntryID\":null,\"CreationDate\":null,\"PIMNew\":false,\"TransferNew\":null"},
+         })) {
+        CAPTURE(c.name);
+        if (c.bytes != "-") {
+            folder.put(c.name, c.bytes);
+        }
+        const Inspected result = inspectIn(folder, {c.name});
+        CHECK(result.exit == c.exit);
+        CHECK(holds(result.out, c.part));
+        CHECK(holds(result.out, c.exit == 0 ? "\"ok\":true" : "\"ok\":false"));
+        CHECK(holds(result.errors, "Versionskonflikt in vCard! Version: 2.1\n") ==
+              holds(c.bytes, "2.1"));
     }
+}
+
+TEST_CASE("A card goes out cut, in the version that was read") {
+    const RunFolder folder;
+    folder.put("a.vcf", "BEGIN:VCARD\r\nVERSION:2.1\r\nORG:01234567890123456789\r\n");
+    const Inspected result = inspectIn(folder, {"a.vcf"}, true);
+    CHECK(holds(result.out, "\"Company\":\"01234567890123456789\""));
+    CHECK(holds(result.out, "\"object\":\"BEGIN:VCARD\\r\\nVERSION:2.1\\r\\nORG:0123456789012345"
+                            "\\r\\nEND:VCARD\\r\\n\""));
 }
 
 TEST_CASE("Nothing is written, no settings, no lock") {

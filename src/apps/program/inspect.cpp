@@ -4,6 +4,7 @@
 #include "core/trap.h"
 #include "formats/ansi.h"
 #include "formats/calendar_codec.h"
+#include "formats/contact_codec.h"
 #include "platform/screen_terminal/signals.h"
 #include "platform/settings_toml/toml_settings.h"
 #include "platform/system_posix/atomic_file.h"
@@ -15,8 +16,6 @@
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
-#include <filesystem>
-#include <fstream>
 #include <ostream>
 
 namespace tandolin::program {
@@ -27,31 +26,30 @@ using Json = nlohmann::ordered_json;
 
 constexpr std::size_t kLargestObject = 16U << 20U;
 
-/// By its content, or else by its name. Only the first bytes of a regular file are looked at.
-bool isCard(const std::string& file) {
-    constexpr std::string_view kBegin = "BEGIN:VCARD";
-    std::string first(kBegin.size(), '\0');
-    std::error_code unknown;
-    if (std::filesystem::is_regular_file(file, unknown)) {
-        std::ifstream(file, std::ios::binary).read(first.data(), kBegin.size());
-    }
+/// By its content, or else by its name.
+bool isCard(const std::string& file, std::string_view bytes) {
+    constexpr TextView kBegin = u"BEGIN:VCARD";
     const std::string_view ending =
         std::string_view(file).substr(file.size() - std::min<std::size_t>(file.size(), 4));
-    return sameText(fromUtf8(first), fromUtf8(kBegin)) || sameText(fromUtf8(ending), u".vcf");
+    return sameText(fromUtf8(bytes.substr(0, kBegin.size())), kBegin) ||
+           sameText(fromUtf8(ending), u".vcf");
 }
+
+/// Where this look writes what is no document.
+std::ostream* messages = nullptr;
 
 /// The ports of a look into files: no settings, no store.
 class InspectorPorts {
 public:
     explicit InspectorPorts(std::ostream& errors) {
-        stream = &errors;
+        messages = &errors;
         app.ports.settings = &settings_;
         app.ports.clock = &clock_;
         app.ports.locale = &locale_;
         app.core.GlobalSilentMode = kTrue;
         app.core.failureListener = [](const Failure& failure, TextView, Place) {
-            *stream << toUtf8(failure.File) << ": " << failure.Number << ": "
-                    << toUtf8(failure.Description) << '\n';
+            *messages << toUtf8(failure.File) << ": " << failure.Number << ": "
+                      << toUtf8(failure.Description) << '\n';
         };
         RegDateTimeFormatGet();
     }
@@ -62,7 +60,6 @@ public:
     ~InspectorPorts() { app = {}; }
 
 private:
-    inline static std::ostream* stream = nullptr;
     platform::TomlSettings settings_{{}, {}, platform::TomlSettings::Mode::readOnly};
     platform::SystemClock clock_;
     platform::PosixLocale locale_;
@@ -87,10 +84,10 @@ Json cell(const Row& row, const FieldSpec& field, std::size_t i) {
     }
 }
 
-Json fieldsOf(const Row& row) {
+Json fieldsOf(const TableCore& table) {
     Json fields = Json::object();
-    for (std::size_t i = 0; i < Calendar::fields.size(); ++i) {
-        fields[toUtf8(Calendar::fields[i].name)] = cell(row, Calendar::fields[i], i);
+    for (std::size_t i = 0; i < table.fields().size(); ++i) {
+        fields[toUtf8(table.fields()[i].name)] = cell(table.row(), table.fields()[i], i);
     }
     return fields;
 }
@@ -102,28 +99,59 @@ Json errorOf(const std::optional<Failure>& failure) {
     return {{"number", failure->Number}, {"description", toUtf8(failure->Description)}};
 }
 
+// What the two kinds of object need: a new row, its reader, and the way out of a row that was cut
+// to what the phone holds.
+
+void newRow(Table<Calendar>& row) {
+    vCalCreateNewRecord(row);
+}
+
+void newRow(Table<Contact>& row) {
+    vCardCreateNewRecord(row);
+}
+
+std::optional<Failure> readObject(Table<Calendar>& row, const std::string& file,
+                                  const std::string& bytes) {
+    return readCalendarObject(row, textOfBytes(bytes), fromUtf8(file), !isUtf8(bytes));
+}
+
+std::optional<Failure> readObject(Table<Contact>& row, const std::string& file,
+                                  const std::string& bytes) {
+    return readContactObject(
+        row, textOfBytes(bytes), fromUtf8(file), !isUtf8(bytes),
+        [](TextView version) { *messages << toUtf8(versionConflict(version)) << '\n'; });
+}
+
+Text objectOf(Table<Calendar>& row) {
+    vcalTextCheck(row);
+    return calendarObject(row);
+}
+
+Text objectOf(Table<Contact>& row) {
+    vCardLenControl(row);
+    return contactObject(row);
+}
+
+template <class L>
 Json documentOf(const std::string& file, const std::string& bytes, std::optional<Failure> failure,
                 bool emit) {
-    Table<Calendar> row;
-    vCalCreateNewRecord(row);
+    Table<L> row;
+    newRow(row);
     if (!failure && bytes.empty()) {
         failure = Failure(failure_number::kServerFailed, u"The object is empty");
     }
     if (!failure) {
-        const auto unread = attempt([&] {
-            failure = readCalendarObject(row, textOfBytes(bytes), fromUtf8(file), !isUtf8(bytes));
-        });
+        const auto unread = attempt([&] { failure = readObject(row, file, bytes); });
         failure = unread ? unread : failure;
     }
     Json document{{"file", file},
                   {"ok", !failure.has_value()},
                   {"error", errorOf(failure)},
-                  {"fields", fieldsOf(row.row())}};
+                  {"fields", fieldsOf(row)}};
     if (emit && !failure) {
         std::string object;
         const auto unsent = attempt([&] {
-            vcalTextCheck(row);
-            const Text text = calendarObject(row);
+            const Text text = objectOf(row);
             static_cast<void>(bytesOfText(text)); // throws for what could not be sent
             object = toUtf8(text);
         });
@@ -137,10 +165,6 @@ Json documentOf(const std::string& file, const std::string& bytes, std::optional
 int inspect(const std::vector<std::string>& files, bool emit, std::ostream& out,
             std::ostream& errors) {
     const InspectorPorts ports(errors);
-    if (const auto card = std::ranges::find_if(files, isCard); card != files.end()) {
-        errors << *card << " is a card; cards are not available in this version\n";
-        return 2;
-    }
     bool allRead = true;
     for (const std::string& file : files) {
         if (platform::interruptCount() > 0 || platform::terminated()) {
@@ -149,7 +173,9 @@ int inspect(const std::vector<std::string>& files, bool emit, std::ostream& out,
         std::string bytes;
         const auto failure =
             attempt([&] { bytes = platform::readWholeFile(file, kLargestObject); });
-        const Json document = documentOf(file, bytes, failure, emit);
+        const Json document = isCard(file, bytes)
+                                  ? documentOf<Contact>(file, bytes, failure, emit)
+                                  : documentOf<Calendar>(file, bytes, failure, emit);
         allRead = allRead && document["ok"] == true;
         out << document.dump(-1, ' ', false, Json::error_handler_t::replace) << '\n';
     }
