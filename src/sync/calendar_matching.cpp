@@ -4,8 +4,7 @@
 #include "core/state.h"
 #include "core/trap.h"
 #include "sync/calendar_rules.h"
-
-#include <algorithm>
+#include "sync/pairing.h"
 
 namespace tandolin {
 
@@ -38,17 +37,8 @@ Criterion criterionFor(Table<Calendar>& work, Date startDate) {
 bool vCalFindCompare(Table<Calendar>& mainTable, Table<Calendar>& workTable, Date startDate) {
     return trapped({kModule, u"vCalFindCompare"}, false, [&](bool& found) {
         const Criterion criterion = criterionFor(workTable, startDate);
-        const Bookmark before = mainTable.bookmark();
-        mainTable.MoveFirst();
-        while (!found && mainTable.Find(criterion.field, criterion.value)) {
-            found = sameEntry(mainTable, workTable);
-            if (!found) {
-                mainTable.MoveNext();
-            }
-        }
-        if (!found) {
-            mainTable.goTo(before);
-        }
+        found = positionOnMatch(mainTable, criterion.field, criterion.value, Compare::exact,
+                                [&] { return sameEntry(mainTable, workTable); });
     });
 }
 

@@ -2,6 +2,7 @@
 
 #include "core/trap.h"
 #include "formats/calendar_codec.h"
+#include "sync/pairing.h"
 
 #include <algorithm>
 #include <array>
@@ -136,16 +137,7 @@ bool textsAgree(Rows main, Rows candidate) {
 }
 
 bool vcalCheckbeforecompare(Rows main, Rows candidate) {
-    const std::int32_t mainType = main[cal::EntryType];
-    const std::int32_t candidateType = candidate[cal::EntryType];
-    if (mainType != candidateType && mainType != CONST_ENTRY_vCAL_BOTH &&
-        candidateType != CONST_ENTRY_vCAL_BOTH) {
-        return true;
-    }
-    const auto sameKey = [&](auto field) {
-        return !main[field].empty() && main[field] == candidate[field];
-    };
-    return sameKey(cal::UID) || sameKey(cal::EntryID);
+    return mayBeMerged(main, candidate, cal::EntryType, {cal::UID, cal::EntryID});
 }
 
 bool sameEntry(Rows main, Rows candidate) {

@@ -15,19 +15,43 @@ void refreshStatusBar() {
     }
 }
 
-void clearPhoneRows(Table<Calendar>& table, bool clearPIMToo) {
+/// What tells in a row where its entry is.
+template <class L>
+struct Sides {
+    Field<L, bool> PIM;
+    Field<L, bool> Mobile;
+    Field<L, std::int32_t> EntryType;
+};
+
+constexpr Sides<Calendar> kCalendarSides{cal::PIM, cal::Mobile, cal::EntryType};
+constexpr Sides<Contact> kContactSides{con::PIM, con::Mobile, con::EntryType};
+
+template <class L>
+void clearPhoneRows(Table<L>& table, const Sides<L>& sides, bool clearPIMToo) {
     for (table.MoveFirst(); !table.atEnd(); table.MoveNext()) {
-        if (!table[cal::Mobile] && table[cal::EntryType] == CONST_ENTRY_vCAL_PIM) {
+        if (!table[sides.Mobile] && table[sides.EntryType] == CONST_ENTRY_vCAL_PIM) {
             continue;
         }
-        if (!table[cal::PIM] || clearPIMToo) {
+        if (!table[sides.PIM] || clearPIMToo) {
             table.Delete();
         } else {
-            table.set(cal::Mobile, false);
-            table.set(cal::EntryType, CONST_ENTRY_vCAL_PIM);
+            table.set(sides.Mobile, false);
+            table.set(sides.EntryType, CONST_ENTRY_vCAL_PIM);
         }
     }
     table.MoveFirst();
+}
+
+/// After the rows: what shows and counts them. `count` and `read` are the organizer's of this kind.
+template <class L>
+void showCleared(Table<L>& table, const Sides<L>& sides, bool clearPIMToo, std::int32_t& count,
+                 Flag& read) {
+    refreshStatusBar();
+    if (clearPIMToo) {
+        count = static_cast<std::int32_t>(table.countTrue(sides.PIM));
+        read = flagOf(count > 0);
+        showOrganizerStatus();
+    }
 }
 
 /// A series that was moved into the period has lost its alarm's time of day; it may be sent again.
@@ -47,17 +71,22 @@ void restoreAlarms(Table<Calendar>& row) {
 
 void vCalClearAfterMobileError(bool clearPIMToo) {
     trapped({kModule, u"vCalClearAfterMobileError"}, [clearPIMToo] {
-        clearPhoneRows(tables.RSCalendar, clearPIMToo);
+        clearPhoneRows(tables.RSCalendar, kCalendarSides, clearPIMToo);
         app.phone.tableShowsPhone = false;
         vCalClearMobileStatusArray();
-        refreshStatusBar();
-        if (clearPIMToo) {
-            app.organizer.vCalPIMCount =
-                static_cast<std::int32_t>(tables.RSCalendar.countTrue(cal::PIM));
-            app.organizer.vCalPIMRead = flagOf(app.organizer.vCalPIMCount > 0);
-            showOrganizerStatus();
-        }
+        showCleared(tables.RSCalendar, kCalendarSides, clearPIMToo, app.organizer.vCalPIMCount,
+                    app.organizer.vCalPIMRead);
         app.ports.screen.window->refresh(Grid::GridEXCal);
+    });
+}
+
+void vCardClearAfterMobileError(bool clearPIMToo) {
+    trapped({kModule, u"vCardClearAfterMobileError"}, [clearPIMToo] {
+        clearPhoneRows(tables.RSContacts, kContactSides, clearPIMToo);
+        vCardClearMobileStatusArray();
+        showCleared(tables.RSContacts, kContactSides, clearPIMToo, app.organizer.vCardPIMCount,
+                    app.organizer.vCardPIMRead);
+        app.ports.screen.window->refresh(Grid::GridEXCard);
     });
 }
 
@@ -70,6 +99,17 @@ void vCalReset(Table<Calendar>& table) {
         vCalClearMobileStatusArray();
         vCalClearPIMStatusArray();
         app.phone.vCalRead = kFalse;
+    });
+}
+
+void vCardReset(Table<Contact>& table) {
+    trapped({kModule, u"vCardReset"}, [&table] {
+        vCardInitRS(table);
+        app.ports.screen.window->refresh(Grid::GridEXCard);
+        app.ports.screen.window->columnCaptions(Grid::GridEXCard);
+        vCardClearMobileStatusArray();
+        vCardClearPIMStatusArray();
+        app.phone.vCardRead = kFalse;
     });
 }
 
@@ -95,9 +135,18 @@ void showOrganizerStatus() {
     app.ports.screen.window->SetProgressStatus(app.organizer.OrganizerName, false);
 }
 
+void vCardClearMobileStatusArray() {
+    enableAutoSync(false);
+}
+
 void vCalClearPIMStatusArray() {
     app.organizer.vCalPIMRead = kFalse;
     app.organizer.vCalPIMCount = 0;
+}
+
+void vCardClearPIMStatusArray() {
+    app.organizer.vCardPIMRead = kFalse;
+    app.organizer.vCardPIMCount = 0;
 }
 
 } // namespace tandolin

@@ -12,6 +12,12 @@ void vCalClearAfterMobileError(bool clearPIMToo);
 /// Empties the grid's table and sets the grid up anew; neither side counts as read afterwards.
 void vCalReset(Table<Calendar>& table);
 
+/// The same for `RSContacts`.
+void vCardClearAfterMobileError(bool clearPIMToo);
+
+/// The same for the contacts' grid.
+void vCardReset(Table<Contact>& table);
+
 /// The current row, one of both sides, loses its object on the phone and becomes one of the
 /// organizer: its number is free again, for itself too.
 void leavePhone(Table<Calendar>& row);
@@ -25,7 +31,12 @@ void vCalClearMobileStatusArray();
 /// The progress pane tells anew what was read of the organizer.
 void showOrganizerStatus();
 
+void vCardClearMobileStatusArray();
+
 /// The organizer's calendar counts as not read.
 void vCalClearPIMStatusArray();
+
+/// The organizer's contacts count as not read.
+void vCardClearPIMStatusArray();
 
 } // namespace tandolin
