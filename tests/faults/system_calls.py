@@ -187,7 +187,8 @@ def check_status(sweep, twin, call, error, outcome):
         expect(f"{where}: all is done", sweep.complete(twin), True)
         return
     if sweep.world.restores and status == 2 and call.area == "copies":
-        expect(where, "is damaged" in told, True)  # the copy that is to be restored cannot be read
+        # The copy that is to be restored cannot be read.
+        expect(where, "is damaged" in told or "cannot read" in told, True)
         return
     expect(f"{where}: the document", document is not None and document["exit"], status)
     rows = [row["ErrorDesc"] for row in document.get("calendar", []) if row["Error"]]
