@@ -105,14 +105,10 @@ bool readObjectText(PhoneServer& server, TextView path, TextView fileName, Text&
     bool found = false;
     aboutFile(fileName, [&] {
         PXDStream stream = server.PXDRead(fullPath(path, fileName));
-        std::string bytes;
-        const auto failure = attempt([&] { bytes = CreateArray(std::move(stream)); });
-        if (failure && failure->Number == failure_number::kNotFound) {
-            return;
+        if (!stream.found) {
+            return; // before every new object its place is looked at, so absence must cost little
         }
-        if (failure) {
-            throw *failure;
-        }
+        const std::string bytes = CreateArray(std::move(stream));
         text = textOfBytes(bytes);
         if (codePage != nullptr) {
             *codePage = !isUtf8(bytes);

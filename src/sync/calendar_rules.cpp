@@ -162,8 +162,10 @@ bool EntryTypeCheck(std::int16_t SyncTermine, Rows table) {
 
 std::optional<Text> textChangedOnPhone(Rows row) {
     const TextView text = row[cal::Text];
+    // Letters beyond ASCII travel encoded and come back; halves of pairs are left to the reader.
     const bool isPlain = std::ranges::all_of(text, [](char16_t c) {
-        return c >= u' ' && c <= u'~' && kNotPlain.find(c) == TextView::npos;
+        const bool isLetter = c >= u'\u00A0' && (c < 0xD800 || c > 0xDFFF);
+        return isLetter || (c >= u' ' && c <= u'~' && kNotPlain.find(c) == TextView::npos);
     });
     if (isPlain) {
         return std::nullopt;

@@ -1,5 +1,8 @@
 #include "platform/system_posix/stale_files.h"
 
+#include "core/failure.h"
+#include "platform/system_posix/open_directory.h"
+
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <sys/types.h>
@@ -55,14 +58,16 @@ void removeStaleFiles(const fs::path& folder) {
     if (!done.insert(folder).second) {
         return;
     }
-    std::error_code error;
-    for (fs::directory_iterator entry(folder, error); !error && entry != fs::directory_iterator();
-         entry.increment(error)) {
-        const fs::path& path = entry->path();
-        const auto process = processOf(path.filename().native());
-        if (process && isGone(*process) && isOldFile(path)) {
-            ::unlink(path.c_str());
-        }
+    try {
+        const OpenDirectory directory(folder);
+        directory.eachEntry([&](const char* name, unsigned char) {
+            const auto process = processOf(name);
+            if (process && isGone(*process) && isOldFile(folder / name)) {
+                ::unlink((folder / name).c_str());
+            }
+        });
+    } catch (const Failure&) {
+        return; // what cannot be listed now is looked at by another run; the write itself will tell
     }
 }
 
