@@ -228,8 +228,12 @@ struct Machine : UserMachine {
     }
 
     void requireNothingAfterFailedRead() {
-        const auto isRead = [](const Text& call) {
-            return call.starts_with(u"PXDList") || call.ends_with(u".vcs");
+        // A look at the place of a new object is no read of the phone: only its own entry fails.
+        const auto isRead = [this](const Text& call) {
+            return call.starts_with(u"PXDList") ||
+                   std::ranges::any_of(beforeStep.phone, [&call](const auto& object) {
+                       return call.ends_with(u"\\" + decimal(object.first) + u".vcs");
+                   });
         };
         if (phone.fault.call != 0 && phone.calls.size() >= phone.fault.call) {
             const Text& call = phone.calls[phone.fault.call - 1];
