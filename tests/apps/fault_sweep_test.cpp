@@ -214,19 +214,9 @@ TEST_CASE("A fault at every call, in every mode") {
     FaultSum sum;
     for (const int number : {1, 2, 3, 4}) {
         Mode mode = withoutFault(number);
-        for (const FaultKind kind : kFaultKinds) {
-            for (const bool onPhone : {true, false}) {
-                const std::vector<CallKind>& calls = mode.calls[onPhone ? 1 : 0];
-                for (std::size_t k = 1; k <= calls.size(); ++k) {
-                    if (!spoilsAnswers(kind) || calls[k - 1] == CallKind::read) {
-                        FaultScript script;
-                        script.kind = kind;
-                        script.onPhone = onPhone;
-                        script.failAt = k;
-                        tryFault(sum, mode, script);
-                    }
-                }
-            }
+        for (const bool onPhone : {true, false}) {
+            forEachFault(onPhone, mode.calls[onPhone ? 1 : 0],
+                         [&](const FaultScript& script) { tryFault(sum, mode, script); });
         }
     }
     sum.tell("modes 1 to 4");

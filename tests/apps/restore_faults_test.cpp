@@ -173,19 +173,9 @@ TEST_CASE("A fault at every call of a restore") {
             const Tree end = bothSides(folder);
             CHECK(end == written.before);
         }
-        for (const FaultKind kind : kFaultKinds) {
-            for (const bool onPhone : {false, true}) {
-                const std::vector<CallKind>& calls = counting.calls[onPhone ? 1 : 0];
-                for (std::size_t k = 1; k <= calls.size(); ++k) {
-                    if (!spoilsAnswers(kind) || calls[k - 1] == CallKind::read) {
-                        FaultScript script;
-                        script.kind = kind;
-                        script.onPhone = onPhone;
-                        script.failAt = k;
-                        tryFault(sum, written, script);
-                    }
-                }
-            }
+        for (const bool onPhone : {true, false}) {
+            forEachFault(onPhone, counting.calls[onPhone ? 1 : 0],
+                         [&](const FaultScript& script) { tryFault(sum, written, script); });
         }
     }
     sum.tell("restore");

@@ -188,7 +188,7 @@ def check_status(sweep, twin, call, error, outcome):
         return
     if sweep.world.restores and status == 2 and call.area == "copies":
         # The copy that is to be restored cannot be read.
-        expect(where, "is damaged" in told or "cannot read" in told, True)
+        expect(where, "cannot read" in told, True)
         return
     expect(f"{where}: the document", document is not None and document["exit"], status)
     rows = [row["ErrorDesc"] for row in document.get("calendar", []) if row["Error"]]

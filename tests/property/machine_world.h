@@ -6,6 +6,7 @@
 
 #include "organizer/calendar_reading.h"
 #include "phone/phone_dialog_reading.h"
+#include "support/passing_item.h"
 #include "sync/sync_world.h"
 
 #include <compare>
@@ -65,27 +66,9 @@ struct LossyOrganizer : FakeOrganizer {
     }
 
 private:
-    struct LossyItem : AppointmentItem {
+    struct LossyItem : PassingItem {
         LossyItem(LossyOrganizer& organizer, std::unique_ptr<AppointmentItem> item)
-            : organizer_(organizer), item_(std::move(item)) {}
-
-        [[nodiscard]] AppointmentFacts facts() const override { return item_->facts(); }
-
-        void setSubject(TextView subject) override { item_->setSubject(subject); }
-
-        void setStart(Date start) override { item_->setStart(start); }
-
-        void setEnd(Date end) override { item_->setEnd(end); }
-
-        void setMeetingStatus(int status) override { item_->setMeetingStatus(status); }
-
-        void setReminderSet(bool on) override { item_->setReminderSet(on); }
-
-        void setRecurrencePattern(const RecurrencePattern& pattern) override {
-            item_->setRecurrencePattern(pattern);
-        }
-
-        void ClearRecurrencePattern() override { item_->ClearRecurrencePattern(); }
+            : PassingItem(std::move(item)), organizer_(organizer) {}
 
         void Save() override {
             item_->Save();
@@ -106,7 +89,6 @@ private:
         }
 
         LossyOrganizer& organizer_;
-        std::unique_ptr<AppointmentItem> item_;
     };
 };
 

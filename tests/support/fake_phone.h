@@ -123,7 +123,8 @@ public:
 
     void flush() override { begin(u"flush", {}); }
 
-    /// The program's server object leads here from now on. What an earlier run deleted is forgotten.
+    /// The program's server object leads here from now on. What an earlier run deleted is
+    /// forgotten.
     void connect() {
         deleted_.clear();
         app.ports.makePhoneServer = [this] { return std::make_unique<Handle>(*this); };

@@ -139,4 +139,22 @@ private:
     std::set<std::string> done_;
 };
 
+/// Hands `attemptWith` a script for every fault of one side: each kind at each of these calls. Only
+/// a read has an answer that can be spoilt.
+template <class Attempt>
+void forEachFault(bool onPhone, const std::vector<CallKind>& calls, Attempt&& attemptWith) {
+    for (const FaultKind kind : kFaultKinds) {
+        for (std::size_t k = 1; k <= calls.size(); ++k) {
+            if (spoilsAnswers(kind) && calls[k - 1] != CallKind::read) {
+                continue;
+            }
+            FaultScript script;
+            script.kind = kind;
+            script.onPhone = onPhone;
+            script.failAt = k;
+            attemptWith(script);
+        }
+    }
+}
+
 } // namespace tandolin::testing

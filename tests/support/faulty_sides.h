@@ -5,6 +5,7 @@
 #include "core/ports/organizer.h"
 #include "core/ports/phone_server.h"
 #include "support/fault_script.h"
+#include "support/passing_item.h"
 
 #include <map>
 #include <memory>
@@ -72,28 +73,10 @@ private:
     std::optional<PXDStream> lastRead_;
 };
 
-class FaultyItem : public AppointmentItem {
+class FaultyItem : public PassingItem {
 public:
     FaultyItem(std::unique_ptr<AppointmentItem> item, FaultScript& script)
-        : item_(std::move(item)), script_(script) {}
-
-    [[nodiscard]] AppointmentFacts facts() const override { return item_->facts(); }
-
-    void setSubject(TextView subject) override { item_->setSubject(subject); }
-
-    void setStart(Date start) override { item_->setStart(start); }
-
-    void setEnd(Date end) override { item_->setEnd(end); }
-
-    void setMeetingStatus(int status) override { item_->setMeetingStatus(status); }
-
-    void setReminderSet(bool on) override { item_->setReminderSet(on); }
-
-    void setRecurrencePattern(const RecurrencePattern& pattern) override {
-        item_->setRecurrencePattern(pattern);
-    }
-
-    void ClearRecurrencePattern() override { item_->ClearRecurrencePattern(); }
+        : PassingItem(std::move(item)), script_(script) {}
 
     void Save() override {
         script_.write(false, "Save " + name(), [&] { item_->Save(); });
@@ -110,7 +93,6 @@ private:
         return toUtf8(facts.Subject) + ' ' + std::to_string(facts.Start.seconds());
     }
 
-    std::unique_ptr<AppointmentItem> item_;
     FaultScript& script_;
 };
 

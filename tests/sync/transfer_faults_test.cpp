@@ -141,17 +141,15 @@ Wanted withoutFault() {
     return wanted;
 }
 
-void tryFault(FaultSum& sum, const Wanted& wanted, FaultKind kind, bool onPhone, std::size_t k) {
+void tryFault(FaultSum& sum, const Wanted& wanted, const FaultScript& script) {
     FaultyQueue world(kPhone, kOrganizer);
     world.fillQueue();
-    world.script.kind = kind;
-    world.script.onPhone = onPhone;
-    world.script.failAt = k;
+    world.script = script;
     const bool done = world.transfer();
     world.script.heal();
-    CAPTURE(nameOf(kind));
-    CAPTURE(onPhone);
-    CAPTURE(k);
+    CAPTURE(nameOf(script.kind));
+    CAPTURE(script.onPhone);
+    CAPTURE(script.failAt);
     CAPTURE(world.script.faultyCall);
     CHECK(world.script.faultyCall != "");
     const bool retried = done || world.transfer();
@@ -173,15 +171,9 @@ void tryFault(FaultSum& sum, const Wanted& wanted, FaultKind kind, bool onPhone,
 TEST_CASE("A fault at every call of a transfer") {
     const Wanted wanted = withoutFault();
     FaultSum sum;
-    for (const FaultKind kind : kFaultKinds) {
-        for (const bool onPhone : {false, true}) {
-            const std::vector<CallKind>& calls = wanted.calls[onPhone ? 1 : 0];
-            for (std::size_t k = 1; k <= calls.size(); ++k) {
-                if (!spoilsAnswers(kind) || calls[k - 1] == CallKind::read) {
-                    tryFault(sum, wanted, kind, onPhone, k);
-                }
-            }
-        }
+    for (const bool onPhone : {false, true}) {
+        forEachFault(onPhone, wanted.calls[onPhone ? 1 : 0],
+                     [&](const FaultScript& script) { tryFault(sum, wanted, script); });
     }
     sum.tell("transfer of a queue");
     CHECK(sum.tried > 100);
@@ -190,31 +182,24 @@ TEST_CASE("A fault at every call of a transfer") {
 
 TEST_CASE("Entries ticked while the phone was away never go over an object there") {
     FaultSum sum;
-    const auto calls = AwayQueue().callsOfTransfer();
-    for (const FaultKind kind : kFaultKinds) {
-        for (std::size_t k = 1; k <= calls.size(); ++k) {
-            if (spoilsAnswers(kind) && calls[k - 1] != CallKind::read) {
-                continue;
-            }
-            AwayQueue world;
-            world.script.readAgainCounts = true; // a listing that failed is asked for again
-            world.script.kind = kind;
-            world.script.failAt = k;
-            const bool done = world.transfer();
-            world.script.heal();
-            CAPTURE(nameOf(kind));
-            CAPTURE(k);
-            CAPTURE(world.script.faultyCall);
-            CHECK(world.script.faultyCall != "");
-            const bool retried = done || world.transfer();
-            CHECK(retried);
-            CHECK(world.script.writeDoneTwice == "");
-            CHECK(world.onPhone() == kTickedAway);
-            sum.compare(withoutKeys(kTickedAway), withoutKeys(world.onPhone()));
-            sum.writtenAfterFailedRead += world.script.writeAfterFailedRead.empty() ? 0 : 1;
-            ++sum.tried;
-        }
-    }
+    forEachFault(true, AwayQueue().callsOfTransfer(), [&sum](const FaultScript& script) {
+        AwayQueue world;
+        world.script = script;
+        world.script.readAgainCounts = true; // a listing that failed is asked for again
+        const bool done = world.transfer();
+        world.script.heal();
+        CAPTURE(nameOf(script.kind));
+        CAPTURE(script.failAt);
+        CAPTURE(world.script.faultyCall);
+        CHECK(world.script.faultyCall != "");
+        const bool retried = done || world.transfer();
+        CHECK(retried);
+        CHECK(world.script.writeDoneTwice == "");
+        CHECK(world.onPhone() == kTickedAway);
+        sum.compare(withoutKeys(kTickedAway), withoutKeys(world.onPhone()));
+        sum.writtenAfterFailedRead += world.script.writeAfterFailedRead.empty() ? 0 : 1;
+        ++sum.tried;
+    });
     sum.tell("entries ticked while the phone was away");
     CHECK(sum.nothingBad());
 }
