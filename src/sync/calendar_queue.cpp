@@ -95,10 +95,14 @@ bool dropFirstWrite(Table<Calendar>& row) {
     return waited;
 }
 
-void giveKeys(Table<Calendar>& row, bool isNew) {
-    if (isNew && findQueued(row, kToOrganizer, kTransferRemove)) {
-        row.set(cal::UID, u""); // it names the item that is to go
+/// A row that lost its item still names it; what is created for the row is another one.
+void forgetLostItem(Table<Calendar>& row) {
+    if (!isMadeUp(wholeNumber(row[cal::UID]).value_or(0))) {
+        row.set(cal::UID, u"");
     }
+}
+
+void giveKeys(Table<Calendar>& row, bool isNew) {
     if (isNew && (!isEntryKey(row[cal::EntryID]) || !row[cal::Mobile])) {
         row.set(cal::EntryID, freshKey());
         if (row[cal::UID].empty()) {
@@ -160,6 +164,9 @@ bool queueOrganizerWrite(Table<Calendar>& row, bool isNew) {
     setOriginByTicks(row);
     row.set(cal::TransferMode, kTransferWrite);
     row.set(cal::TransferNew, kToOrganizer);
+    if (isNew) {
+        forgetLostItem(row);
+    }
     const bool waits = findQueued(row, kToOrganizer, kTransferWrite);
     const bool creationWaits = waits && queue[cal::PIMNew];
     row.set(cal::PIMNew, isNew || creationWaits);

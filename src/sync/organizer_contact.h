@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/ports/contact_facts.h"
+#include "core/ports/contacts.h"
 #include "store/tables.h"
 
 namespace tandolin {

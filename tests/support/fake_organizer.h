@@ -5,6 +5,7 @@
 
 #include "core/ports/organizer.h"
 #include "core/state.h"
+#include "support/fake_contacts.h"
 
 #include <algorithm>
 #include <map>
@@ -19,6 +20,7 @@ namespace tandolin::testing {
 class FakeOrganizer : public Organizer, public CalendarFolder {
 public:
     std::map<Text, AppointmentFacts> items;
+    FakeContacts contacts{[this](TextView operation) { begin(operation); }};
     std::vector<UnreadableItem> unreadableItems;
     Text name = u"Fake";
     Text version = u"12.0";
@@ -85,6 +87,11 @@ public:
     FolderRecord GetDefaultContactFolder() override {
         begin(u"GetDefaultContactFolder");
         return {u"", u"Kontakte", u"folder", Text(100, u's'), 2, {}};
+    }
+
+    ContactFolder& GetContactItems(const FolderRecord& /*folder*/) override {
+        begin(u"GetContactItems");
+        return contacts;
     }
 
     FolderRecord GetFolderFromID(TextView entryID, TextView storeID) override {
@@ -216,6 +223,10 @@ private:
 
         FolderRecord GetDefaultContactFolder() override {
             return organizer_.GetDefaultContactFolder();
+        }
+
+        ContactFolder& GetContactItems(const FolderRecord& folder) override {
+            return organizer_.GetContactItems(folder);
         }
 
         FolderRecord GetFolderFromID(TextView entryID, TextView storeID) override {

@@ -166,6 +166,86 @@ private:
     AppointmentFacts stale_;
 };
 
+class FaultyContact : public ContactItem {
+public:
+    FaultyContact(std::unique_ptr<ContactItem> item, FaultScript& script)
+        : item_(std::move(item)), script_(script) {}
+
+    [[nodiscard]] ContactFacts facts() const override { return item_->facts(); }
+
+    void set(const ContactFacts& facts) override { item_->set(facts); }
+
+    void Save() override {
+        script_.write(false, "Save " + name(), [&] { item_->Save(); });
+    }
+
+    void Delete() override {
+        script_.write(false, "Delete " + name(), [&] { item_->Delete(); });
+    }
+
+private:
+    [[nodiscard]] std::string name() const {
+        const ContactFacts facts = item_->facts();
+        return toUtf8(facts.LastName + u", " + facts.FirstName);
+    }
+
+    std::unique_ptr<ContactItem> item_;
+    FaultScript& script_;
+};
+
+class FaultyContacts : public ContactFolder {
+public:
+    FaultyContacts(ContactFolder& folder, FaultScript& script) : folder_(folder), script_(script) {}
+
+    void Sort(ContactOrder order) override {
+        const auto sort = [&] {
+            folder_.Sort(order);
+            return folder_.Count();
+        };
+        count_ = script_.read(false, "Sort", sort, [](std::size_t count) { return count / 2; });
+    }
+
+    [[nodiscard]] std::size_t Count() const override { return count_; }
+
+    const ContactFacts& Item(std::size_t place) override {
+        const auto look = [&] { return &folder_.Item(place); };
+        return *script_.read(false, "Item", look, [&](const ContactFacts* item) {
+            stale_ = *item;
+            stale_.LastName = u"Vorher " + stale_.LastName;
+            return static_cast<const ContactFacts*>(&stale_);
+        });
+    }
+
+    std::vector<ContactFacts> Find(TextView lastName, TextView firstName) override {
+        const auto look = [&] { return folder_.Find(lastName, firstName); };
+        return script_.read(false, "Find contact", look,
+                            [](const auto&) { return std::vector<ContactFacts>(); });
+    }
+
+    [[nodiscard]] std::optional<ContactFacts> FactsOf(TextView entryID) const override {
+        return folder_.FactsOf(entryID);
+    }
+
+    std::unique_ptr<ContactItem> Add() override {
+        return script_.other(false, "Add", [&] { return faulty(folder_.Add()); });
+    }
+
+    std::unique_ptr<ContactItem> GetItemFromID(TextView entryID) override {
+        return script_.other(false, "GetItemFromID",
+                             [&] { return faulty(folder_.GetItemFromID(entryID)); });
+    }
+
+private:
+    std::unique_ptr<ContactItem> faulty(std::unique_ptr<ContactItem> item) {
+        return std::make_unique<FaultyContact>(std::move(item), script_);
+    }
+
+    ContactFolder& folder_;
+    FaultScript& script_;
+    std::size_t count_ = 0;
+    ContactFacts stale_;
+};
+
 class FaultyOrganizer : public Organizer {
 public:
     FaultyOrganizer(std::unique_ptr<Organizer> organizer, FaultScript& script)
@@ -194,6 +274,16 @@ public:
                              [&] { return organizer_->GetDefaultContactFolder(); });
     }
 
+    ContactFolder& GetContactItems(const FolderRecord& record) override {
+        const auto open = [&] { return &organizer_->GetContactItems(record); };
+        ContactFolder* folder = script_.read(false, "GetContactItems", open,
+                                             [](ContactFolder* whole) { return whole; });
+        if (!contacts_) {
+            contacts_ = std::make_unique<FaultyContacts>(*folder, script_);
+        }
+        return *contacts_;
+    }
+
     FolderRecord GetFolderFromID(TextView entryID, TextView storeID) override {
         return script_.other(false, "GetFolderFromID",
                              [&] { return organizer_->GetFolderFromID(entryID, storeID); });
@@ -215,6 +305,7 @@ private:
     std::unique_ptr<Organizer> organizer_;
     FaultScript& script_;
     std::unique_ptr<FaultyFolder> folder_;
+    std::unique_ptr<FaultyContacts> contacts_;
 };
 
 } // namespace tandolin::testing

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/date.h"
+#include "core/ports/contacts.h"
 #include "core/text.h"
 
 #include <memory>
@@ -158,8 +159,12 @@ public:
     /// The calendar folder, GetDefaultFolder(9) of the object model. The reference lives as long as
     /// the organizer.
     virtual CalendarFolder& GetDefaultCalendarFolder() = 0;
-    /// The default contact folder, GetDefaultFolder(10).
+    /// The default contact folder, GetDefaultFolder(10). One that is not there yet may be told too:
+    /// its first item makes it.
     virtual FolderRecord GetDefaultContactFolder() = 0;
+    /// The items of a contact folder. The reference lives as long as the organizer. Throws Failure
+    /// -1987 when the folder cannot be opened.
+    virtual ContactFolder& GetContactItems(const FolderRecord& folder) = 0;
     /// The folder with these identifiers. Throws Failure -1987 when there is none.
     virtual FolderRecord GetFolderFromID(TextView entryID, TextView storeID) = 0;
     /// The top folders with all that lies below them.

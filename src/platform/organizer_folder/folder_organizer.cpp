@@ -1,5 +1,6 @@
 #include "platform/organizer_folder/folder_organizer.h"
 
+#include "core/failure.h"
 #include "platform/organizer_folder/folder_calendar.h"
 
 namespace tandolin::platform {
@@ -23,6 +24,10 @@ CalendarFolder& FolderOrganizer::GetDefaultCalendarFolder() {
         calendar_->opened();
     }
     return *calendar_;
+}
+
+ContactFolder& FolderOrganizer::GetContactItems(const FolderRecord& folder) {
+    throw Failure(failure_number::kOrganizer, u"Cards are not read yet: " + folder.Name);
 }
 
 std::vector<UnreadableItem> FolderOrganizer::unreadable() const {

@@ -47,6 +47,8 @@ public:
 
     FolderRecord GetDefaultContactFolder() override { return contacts_.defaultFolder(); }
 
+    ContactFolder& GetContactItems(const FolderRecord& folder) override;
+
     FolderRecord GetFolderFromID(TextView entryID, TextView storeID) override {
         return contacts_.folder(entryID, storeID);
     }
