@@ -14,6 +14,31 @@ namespace {
 
 constexpr TextView kModule = u"Main_Modul";
 
+void syncKindsOfWords() {
+    if (app.core.GlobalCommandBoth) {
+        SilendAutoSyncBoth();
+    } else if (app.core.GlobalCommandvCal) {
+        SilentAutoSyncvCal();
+    } else if (app.core.GlobalCommandvCard) {
+        SilentAutoSyncvCard();
+    }
+}
+
+/// The contact folder of the settings. Only a run that works on contacts needs one.
+void openContactFolder() {
+    auto& folder = app.organizer.GlobalContactFolder;
+    const auto failure = attempt([&folder] {
+        folder.reset();
+        folder = app.organizer.MOL->GetFolderFromID(app.settings.FolderEntryID,
+                                                    app.settings.FolderStoreID);
+    });
+    if (!folder && !app.core.GlobalCommandOptions && !app.core.GlobalCommandvCal) {
+        app.run.organizerFailed = true;
+        throw Failure(failure_number::kOrganizer, failure ? failure->Description : Text(),
+                      u"Main_Module:TDLRunSilent");
+    }
+}
+
 } // namespace
 
 void SilentAutoSync() {
@@ -25,7 +50,7 @@ void SilentAutoSync() {
             app.status.Start(tr(ids::kProgramTitle));
             app.status.showButtons(true, false);
             app.status.SetText(tr(ids::kAutoSyncWait));
-            SilentAutoSyncvCal();
+            syncKindsOfWords();
             // What a store could not bring to the disk is a failure of the run, like a failed
             // entry.
             app.run.entriesFailed = !flushStores(here) || app.run.entriesFailed;
@@ -43,6 +68,7 @@ bool TDLRunSilent() {
             app.run.organizerFailed = true;
             return;
         }
+        openContactFolder();
         SilentAutoSync();
         result = true;
     });

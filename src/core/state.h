@@ -94,7 +94,7 @@ struct PhoneState {
     /// -1 until a status file has told it.
     std::int16_t vCalTotalRecords = -1;
     std::int16_t vCardMaxEntries = 0;
-    std::int16_t vCardTotalRecords = 0;
+    std::int16_t vCardTotalRecords = -1; ///< likewise
     std::int16_t LastUsedIndex = 0;
     std::int16_t vCalFirstIndex = 1;
     std::int16_t vCalLastIndex = 1;
@@ -108,6 +108,10 @@ struct PhoneState {
     /// Numbers that were given without such a listing. Their entries have no object yet, and
     /// an object of the number may be another's: the phone is asked before the first write.
     std::set<int> numbersGivenUnseen;
+    /// The objects of the new contacts that were sent last: with success, and without an answer, so
+    /// that the phone may hold it.
+    Text storedContact;
+    Text unansweredContact;
     /// By number, the objects read that hold more than the organizer would take.
     std::map<std::int32_t, ObjectLosses> losses;
     /// `RSCalendar` has a row for every object of the phone: since a complete read, until rows of

@@ -77,6 +77,23 @@ void showFailureBox(const Failure& failure, Place place) {
                                 Icon::exclamation, Buttons::okCancel);
 }
 
+template <class L>
+void count(Table<L>& log, Field<L, Text> transfer, Field<L, Text> action, Field<L, Text> error,
+           TransferCounts& counts) {
+    const KeepPosition keep(log);
+    for (log.MoveFirst(); !log.atEnd(); log.MoveNext()) {
+        if (log[error] == tr(ids::kYes)) {
+            continue;
+        }
+        const bool removed = log[action] == tr(ids::kDeleted);
+        if (log[transfer] == tr(ids::kMobile)) {
+            ++(removed ? counts.phoneRemoved : counts.phoneWritten);
+        } else {
+            ++(removed ? counts.organizerRemoved : counts.organizerWritten);
+        }
+    }
+}
+
 } // namespace
 
 Text failureOnOneLine(const Failure& failure, TextView message) {
@@ -147,19 +164,8 @@ void LogProgramError(const Failure& failure, TextView message, Place place) {
 
 TransferCounts countTransfers() {
     TransferCounts counts;
-    Table<CalendarLog>& log = logTables.calendar;
-    const KeepPosition keep(log);
-    for (log.MoveFirst(); !log.atEnd(); log.MoveNext()) {
-        if (log[callog::Error] == tr(ids::kYes)) {
-            continue;
-        }
-        const bool removed = log[callog::Action] == tr(ids::kDeleted);
-        if (log[callog::Transfer] == tr(ids::kMobile)) {
-            ++(removed ? counts.phoneRemoved : counts.phoneWritten);
-        } else {
-            ++(removed ? counts.organizerRemoved : counts.organizerWritten);
-        }
-    }
+    count(logTables.calendar, callog::Transfer, callog::Action, callog::Error, counts);
+    count(logTables.contacts, conlog::Transfer, conlog::Action, conlog::Error, counts);
     return counts;
 }
 

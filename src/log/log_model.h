@@ -25,7 +25,7 @@ void LogProgramError(const Failure& failure, TextView message, Place place);
 /// Sentence and description of a failure as the log shows them, line breaks turned to blanks.
 Text failureOnOneLine(const Failure& failure, TextView message);
 
-/// Rows of the calendar log that succeeded, by side ("PIM", "Mobile") and action.
+/// Rows of the two transfer logs that succeeded, by side ("PIM", "Mobile") and action.
 struct TransferCounts {
     std::int32_t phoneWritten = 0;
     std::int32_t phoneRemoved = 0;
@@ -33,7 +33,7 @@ struct TransferCounts {
     std::int32_t organizerRemoved = 0;
 };
 
-/// Counts the calendar log.
+/// Counts both logs.
 TransferCounts countTransfers();
 
 } // namespace tandolin

@@ -6,12 +6,12 @@
 #include "formats/recurrence.h"
 #include "organizer/clear_organizer.h"
 #include "organizer/series_facts.h"
+#include "organizer/unreadable_notes.h"
 #include "store/work_row.h"
 #include "sync/calendar_matching.h"
 #include "sync/calendar_rules.h"
 #include "sync/organizer_row.h"
 
-#include <algorithm>
 #include <unordered_set>
 #include <vector>
 
@@ -57,7 +57,7 @@ void showProgress(std::int32_t number, bool isNew) {
 
 /// Takes one new item into the table; the table stands on its row afterwards.
 void takeItem(Table<Calendar>& table, const AppointmentFacts& item) {
-    const WorkRow work;
+    const WorkRow work(tables.RSCalendarWork, vCalCreateNewRecord);
     if (!InsertEntry(factsForRow(item), tables.RSCalendarWork)) {
         // A row that is not whole must not look like an entry that is missing on one side.
         throw Failure(failure_number::kOrganizer, u"An item could not be read: " + item.File);
@@ -107,25 +107,6 @@ void cutFrame(Table<Calendar>& table, const TakenItems& taken) {
     table.MoveFirst();
     if (table.Find(cal::UID, taken.inOrder().back())) {
         app.sync.DateFrameTo = dateFromSeconds(wholeDay(table[cal::StartDate]).seconds() + 86399);
-    }
-}
-
-bool alreadyNoted(TextView file) {
-    return std::ranges::any_of(app.run.notes, [file](const Note& note) {
-        return note.kind == u"unreadable" && note.file == file;
-    });
-}
-
-void noteUnreadable(Place place) {
-    for (const UnreadableItem& item : app.organizer.MOL->unreadable()) {
-        if (alreadyNoted(item.File)) {
-            continue;
-        }
-        app.run.notes.push_back({u"unreadable", u"organizer", item.File, u"", item.Reason});
-        Failure failure(failure_number::kTypeMismatch,
-                        item.File + u" does not parse and was left alone: " + item.Reason);
-        failure.File = item.File;
-        ReportError(failure, place);
     }
 }
 
@@ -196,7 +177,7 @@ bool SilentvCalReadOutlook(Table<Calendar>& table) {
 
 bool vCalReadSingleOutlookEntry(Table<Calendar>& table) {
     return trapped({kModule, u"vCalReadSingleOutlookEntry"}, true, [&table](bool&) {
-        const WorkRow work;
+        const WorkRow work(tables.RSCalendarWork, vCalCreateNewRecord);
         const auto item = calendarFolderInUse().GetItemFromID(table[cal::UID]);
         if (!InsertEntry(item->facts(), tables.RSCalendarWork)) {
             return;

@@ -3,9 +3,9 @@
 #include "core/settings.h"
 #include "core/state.h"
 #include "core/trap.h"
-#include "log/log_model.h"
 #include "organizer/calendar_reading.h"
 #include "organizer/item_changes.h"
+#include "organizer/logged_write.h"
 #include "organizer/row_pattern.h"
 #include "sync/calendar_queue.h"
 
@@ -61,34 +61,17 @@ void countNewItem() {
 
 /// Does the organizer hold the item as it was to be stored?
 bool isStored(const AppointmentFacts& wanted) {
-    bool stored = false;
-    static_cast<void>(attempt([&] {
-        const AppointmentFacts facts = calendarFolderInUse().GetItemFromID(wanted.EntryID)->facts();
-        stored = facts.Subject == wanted.Subject && facts.Start == wanted.Start &&
-                 facts.End == wanted.End && facts.MeetingStatus == wanted.MeetingStatus &&
-                 facts.ReminderSet == wanted.ReminderSet &&
-                 facts.IsRecurring == wanted.IsRecurring && facts.Pattern == wanted.Pattern;
-    }));
-    return stored;
-}
-
-/// A save of which only the answer was lost is done. Tried again it would make a second item, or
-/// take the change for one that another program made.
-void save(AppointmentItem& item) {
-    const AppointmentFacts wanted = item.facts();
-    try {
-        item.Save();
-    } catch (...) {
-        if (!isStored(wanted)) {
-            throw;
-        }
-    }
+    const AppointmentFacts facts = calendarFolderInUse().GetItemFromID(wanted.EntryID)->facts();
+    return facts.Subject == wanted.Subject && facts.Start == wanted.Start &&
+           facts.End == wanted.End && facts.MeetingStatus == wanted.MeetingStatus &&
+           facts.ReminderSet == wanted.ReminderSet && facts.IsRecurring == wanted.IsRecurring &&
+           facts.Pattern == wanted.Pattern;
 }
 
 void createItem(Table<Calendar>& row) {
     const auto item = calendarFolderInUse().CreateItem();
     fillItem(*item, row);
-    save(*item);
+    saveOnce(*item, isStored);
     const AppointmentFacts stored = item->facts();
     row.set(cal::UID, stored.EntryID);
     if (!row[cal::Mobile] && !app.sync.GlobalTransferActive) {
@@ -106,7 +89,7 @@ void changeItem(Table<Calendar>& row) {
     const Row asItWas(row.row());
     try {
         if (setChangedMembers(*item, row)) {
-            save(*item);
+            saveOnce(*item, isStored);
             row.set(cal::CreationDate, item->facts().CreationTime);
         }
     } catch (...) {
@@ -115,47 +98,17 @@ void changeItem(Table<Calendar>& row) {
     }
 }
 
-void requireSide(const Table<Calendar>& row) {
-    if (!row[cal::PIM]) {
-        throw Failure(failure_number::kOrganizer, u"The entry has no side in the organizer");
-    }
-}
-
-/// Wanted: a write to the organizer is logged as created, whatever it was.
-void logWrite(const Table<Calendar>& row, const Failure& failure) {
-    app.log.LogAction = tr(ids::kCreated);
-    app.log.LogTransfer = tr(ids::kPIM);
-    LogTransferEntry(row, failure, kHere);
-}
-
-bool writeNow(Table<Calendar>& table, bool isNew) {
-    const auto failure = attempt([&] {
-        requireSide(table);
-        if (!app.organizer.OrganizerPresent) {
-            throw Failure(failure_number::kOrganizer, u"There is no organizer");
-        }
-        isNew ? createItem(table) : changeItem(table);
-    });
-    if (failure && failure->Number == failure_number::kDiskFull) {
-        app.run.diskFull = true;
-    }
-    if (!failure) {
-        table.endEdit();
-    }
-    logWrite(table, failure.value_or(Failure{}));
-    return !failure;
-}
-
 } // namespace
 
 bool WriteOutlookEntry(Table<Calendar>& table, bool isNew) {
     return trapped(kHere, false, [&](bool& result) {
         if (!changesAreQueued()) {
-            result = writeNow(table, isNew);
+            result =
+                writeLogged(table, kHere, [&] { isNew ? createItem(table) : changeItem(table); });
             return;
         }
         if (const auto failure = attempt([&] { requireSide(table); })) {
-            logWrite(table, *failure);
+            logOrganizerWrite(table, *failure, kHere);
             return;
         }
         if (queueOrganizerWrite(table, isNew)) {

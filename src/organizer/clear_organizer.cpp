@@ -2,32 +2,53 @@
 
 #include "core/state.h"
 #include "core/trap.h"
+#include "store/common_fields.h"
 #include "sync/status_arrays.h"
 
 namespace tandolin {
 
-void ClearOutlookFromGrid(Table<Calendar>& table, bool keepFrame) {
-    trapped({u"QELOutlook", u"ClearOutlookFromGrid"}, [&table, keepFrame] {
-        const auto beyondFrame = [&table] {
-            return table[cal::Start] < app.sync.GlobalPeriodStart ||
-                   table[cal::Start] > app.sync.GlobalPeriodEnd;
-        };
-        for (table.MoveFirst(); !table.atEnd(); table.MoveNext()) {
-            if (!table[cal::PIM]) {
-                continue;
-            }
-            if (!table[cal::Mobile]) {
-                table.Delete();
-                continue;
-            }
-            table.set(cal::creafromMob, false);
-            if (!keepFrame || !beyondFrame()) {
-                table.set(cal::PIM, false);
-                table.set(cal::EntryType, CONST_ENTRY_vCAL_MOBILE);
-            }
+namespace {
+
+constexpr Place kHere{u"QELOutlook", u"ClearOutlookFromGrid"};
+
+/// `loseItem` is called on each row of a pair, which keeps its pairing where that answers false.
+template <class L, class LoseItem>
+void clearOrganizerRows(Table<L>& table, LoseItem loseItem) {
+    using F = Common<L>;
+    for (table.MoveFirst(); !table.atEnd(); table.MoveNext()) {
+        if (!table[F::PIM]) {
+            continue;
         }
-        table.MoveFirst();
+        if (!table[F::Mobile]) {
+            table.Delete();
+        } else if (loseItem()) {
+            table.set(F::PIM, false);
+            table.set(F::EntryType, CONST_ENTRY_vCAL_MOBILE);
+        }
+    }
+    table.MoveFirst();
+}
+
+} // namespace
+
+void ClearOutlookFromGrid(Table<Calendar>& table, bool keepFrame) {
+    trapped(kHere, [&table, keepFrame] {
+        clearOrganizerRows(table, [&table, keepFrame] {
+            table.set(cal::creafromMob, false);
+            const Date start = table[cal::Start];
+            const bool beyondFrame =
+                start < app.sync.GlobalPeriodStart || start > app.sync.GlobalPeriodEnd;
+            return !keepFrame || !beyondFrame;
+        });
         vCalClearPIMStatusArray();
+        showOrganizerStatus();
+    });
+}
+
+void ClearOutlookFromGrid(Table<Contact>& table, bool /*keepFrame*/) {
+    trapped(kHere, [&table] {
+        clearOrganizerRows(table, [] { return true; });
+        vCardClearPIMStatusArray();
         showOrganizerStatus();
     });
 }

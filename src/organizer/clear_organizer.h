@@ -10,4 +10,7 @@ namespace tandolin {
 /// as not read afterwards.
 void ClearOutlookFromGrid(Table<Calendar>& table, bool keepFrame);
 
+/// The same for contacts, which have no period.
+void ClearOutlookFromGrid(Table<Contact>& table, bool keepFrame);
+
 } // namespace tandolin

@@ -1,22 +1,39 @@
 #pragma once
 
-// The loop over the phone's calendar objects that every form of reading shares: list, fetch, parse
-// into the work row, pair or add, count. What the forms do differently on purpose is handed in.
+// The loop over the phone's objects of one kind that every form of reading shares: list, fetch,
+// take into a table, count. What the kinds and forms do differently on purpose is handed in.
 
 #include "core/error_reporting.h"
-#include "store/tables.h"
+#include "phone/phone_info.h"
+
+#include <functional>
 
 namespace tandolin {
 
-/// A form of reading: the name it reports under, and where it differs.
-struct ReadingForm {
-    Place place;
-    /// What the row keeps of its object's name.
-    void (*setStoreFields)(Table<Calendar>& row, TextView fileName);
-    /// What follows when the row is in the main table, which stands on it; `matched` when it joined
-    /// one that was there. The object is counted already.
-    void (*afterTaking)(Table<Calendar>& main, bool matched);
+/// What sets one kind of objects apart in the loop.
+struct ObjectKind {
+    StoreDirectory store;
+    TextView extension;
+    TextView begin; ///< the first line of an object and its last
+    TextView end;
+    TextView between; ///< stands between running number and count in the progress
+    TextView entries; ///< in messages
+    /// Wanted: only the calendar's reader looks at the names.
+    bool checksNames;
 };
+
+// clang-format off
+inline constexpr ObjectKind kCalendarObjects{
+    StoreDirectory::calendar, u".vcs", u"BEGIN:VCALENDAR", u"END:VCALENDAR",
+    u" / ", u"calendar entries", true};
+inline constexpr ObjectKind kContactObjects{
+    StoreDirectory::contacts, u".vcf", u"BEGIN:VCARD", u"END:VCARD",
+    u"/", u"contacts", false};
+
+// clang-format on
+
+/// The objects of this kind that the phone holds, as far as they were read.
+std::int16_t& entryCount(const ObjectKind& kind);
 
 /// How a read ended: the objects listed (-1 for none or a failed listing), and by whom.
 struct ObjectsRead {
@@ -24,21 +41,20 @@ struct ObjectsRead {
     /// The listing itself reported a failure.
     bool listingFailed = false;
     bool cancelled = false;
-
     /// Every object that was listed is in the table.
-    [[nodiscard]] bool complete() const;
+    bool complete = false;
 };
 
-/// Reads all objects into `RSCalendar` and counts them in `vCalEntryCount`. Stops at the first that
-/// cannot be read, and at a cancel. Failures are reported.
-ObjectsRead readCalendarObjects(const ReadingForm& form);
+/// Takes one object into the table and counts it. False ends the read; what was wrong is reported.
+using TakeObject = std::function<bool(TextView object, TextView fileName, bool codePage)>;
+
+/// Reads all objects and counts them in `entryCount`. Stops at the first that cannot be read, and
+/// at a cancel. Failures are reported.
+ObjectsRead readObjects(const ObjectKind& kind, Place place, const TakeObject& take);
 
 /// After a listing without entries, which looks like a missing phone: only an explicit wish and a
-/// status file that says the same make it a read of nothing, with the flags of a complete one.
-/// Otherwise false, and the user is told of the wish where it may help.
-bool emptyCalendarAccepted(Place place, const ObjectsRead& read);
-
-/// The flags of a complete read.
-void noteCalendarRead();
+/// status file that says the same make it a read of nothing. Otherwise false, and the user is told
+/// of the wish where it may help.
+bool emptyStoreAccepted(const ObjectKind& kind, Place place, const ObjectsRead& read);
 
 } // namespace tandolin

@@ -4,8 +4,10 @@
 #include "core/state.h"
 #include "core/trap.h"
 #include "organizer/calendar_look_up.h"
+#include "organizer/contact_look_up.h"
 #include "phone/autodelete.h"
-#include "phone/object_reading.h"
+#include "phone/calendar_objects.h"
+#include "phone/contact_objects.h"
 #include "phone/object_store.h"
 #include "phone/phone_info.h"
 #include "phone/phone_status.h"
@@ -70,7 +72,7 @@ void countCapacity() {
     }
 }
 
-constexpr ReadingForm kDialog{
+constexpr CalendarReading kDialog{
     {kModule, u"GetMobileEntries"}, setStoreFields, [](Table<Calendar>& main, bool matched) {
         takeNumberFromOthers(main);
         if (matched && main[cal::IsRecurring]) {
@@ -82,53 +84,46 @@ constexpr ReadingForm kDialog{
         countCapacity();
     }};
 
-void endFailedRead(bool cancelled) {
-    vCalClearAfterMobileError(false);
-    app.phone.vCalRead = kFalse;
+void lookUpContact(Table<Contact>& main) {
+    if (!main[con::PIM]) {
+        vCardSearchingforOutlookEntry(main);
+    }
+}
+
+// The frame around one read
+
+/// What the frame does of its own for each kind of objects.
+struct DialogRead {
+    const ObjectKind& kind;
+    Flag& isRead;
+    bool (*loop)(bool noGridRefresh);
+    void (*clearRows)(bool clearPIMToo);
+    bool (*readStatus)();
+};
+
+void endFailedRead(const DialogRead& dialog, bool cancelled) {
+    dialog.clearRows(false);
+    dialog.isRead = kFalse;
     if (!cancelled) {
         app.phone.MobileConnected = kFalse;
     }
 }
 
-void showRows(bool noGridRefresh) {
-    if (noGridRefresh || app.sync.AutoSyncRunning) {
-        return;
-    }
-    constexpr int kTextColumn = 7;
+void showRows(Grid grid, int column, const ObjectKind& kind) {
     MainWindow& window = *app.ports.screen.window;
-    window.refresh(Grid::GridEXCal);
-    window.selectFirstRow(Grid::GridEXCal);
-    if (app.phone.vCalEntryCount > 0) {
-        window.currentColumn(Grid::GridEXCal, kTextColumn);
+    window.refresh(grid);
+    window.selectFirstRow(grid);
+    if (entryCount(kind) > 0) {
+        window.currentColumn(grid, column);
     }
-}
-
-/// False when a picked entry could not be removed: the phone's rows are gone from the table then.
-bool autodeleted() {
-    return app.settings.Autodel != 1 || app.phone.vCalEntryCount < 1 ||
-           removeOldEntries(tables.RSCalendar);
-}
-
-bool finishCompleteRead(bool noGridRefresh) {
-    noteCalendarRead();
-    enableAutoSync(app.settings.SaveTyp != kSaveLater);
-    const bool whole = autodeleted();
-    if (!whole) {
-        app.phone.vCalRead = kFalse;
-    }
-    showRows(noGridRefresh);
-    return whole;
 }
 
 /// True when the status is known already or could be read.
-bool statusKnown() {
-    PhoneState& phone = app.phone;
-    if (!InitComm() || phone.MobileConnected) {
+bool statusKnown(const DialogRead& dialog) {
+    if (!InitComm() || app.phone.MobileConnected) {
         return true;
     }
-    const bool read = phone.vCardMaxEntries != 0
-                          ? PXDInfovCal(phoneServer(), phone.GlobalMobilePaths)
-                          : PXDInfoAll(phoneServer(), phone.GlobalMobilePaths);
+    const bool read = dialog.readStatus();
     if (read) {
         refreshStatusLine();
         app.ports.screen.window->SetProgressStatus(app.organizer.OrganizerName, false);
@@ -136,11 +131,77 @@ bool statusKnown() {
     return read;
 }
 
-void removeFormerRows() {
-    if (app.phone.vCalEntryCount > 0) {
-        vCalClearAfterMobileError(false);
+void removeFormerRows(const DialogRead& dialog) {
+    if (entryCount(dialog.kind) > 0) {
+        dialog.clearRows(false);
         app.phone.MobileConnected = kTrue;
         refreshStatusLine();
+    }
+}
+
+bool readInDialog(TextView proc, bool noGridRefresh, const DialogRead& dialog) {
+    return trapped({kModule, proc}, false, [&](bool& result) {
+        const StatusDialog status;
+        const BusyPointer busy;
+        app.status.SetText(tr(ids::kReadingPhoneStatus));
+        if (!statusKnown(dialog)) {
+            return;
+        }
+        phoneServer();
+        removeFormerRows(dialog);
+        app.status.SetText(tr(ids::kReadingPhoneEntries));
+        if (dialog.loop(noGridRefresh)) {
+            DeinitComm();
+            app.status.SetText(tr(ids::kMakingRows));
+            dialog.isRead = kTrue;
+            refreshStatusLine();
+            result = true;
+        }
+    });
+}
+
+// The calendar
+
+/// False when a picked entry could not be removed: the phone's rows are gone from the table then.
+bool autodeleted() {
+    return app.settings.Autodel != 1 || app.phone.vCalEntryCount < 1 ||
+           removeOldEntries(tables.RSCalendar);
+}
+
+const DialogRead kCalendarDialog{
+    kCalendarObjects, app.phone.vCalRead, GetMobileEntries, vCalClearAfterMobileError, [] {
+        return app.phone.vCardMaxEntries != 0
+                   ? PXDInfovCal(phoneServer(), app.phone.GlobalMobilePaths)
+                   : PXDInfoAll(phoneServer(), app.phone.GlobalMobilePaths);
+    }};
+
+bool finishCalendarRead(bool noGridRefresh) {
+    constexpr int kTextColumn = 7;
+    enableAutoSync(app.settings.SaveTyp != kSaveLater);
+    const bool whole = autodeleted();
+    if (!whole) {
+        app.phone.vCalRead = kFalse;
+    }
+    if (!noGridRefresh && !app.sync.AutoSyncRunning) {
+        showRows(Grid::GridEXCal, kTextColumn, kCalendarObjects);
+    }
+    return whole;
+}
+
+// The phone book
+
+const DialogRead kContactDialog{
+    kContactObjects, app.phone.vCardRead, GetMobileVCardEntries, vCardClearAfterMobileError, [] {
+        return app.phone.vCalMaxRecords != 0
+                   ? PXDInfovCard(phoneServer(), app.phone.GlobalMobilePaths)
+                   : PXDInfoAll(phoneServer(), app.phone.GlobalMobilePaths);
+    }};
+
+void finishContactRead(bool noGridRefresh) {
+    constexpr int kNameColumn = 3;
+    enableAutoSync(app.settings.SaveTyp != kSaveLater);
+    if (!noGridRefresh) {
+        showRows(Grid::GridEXCard, kNameColumn, kContactObjects);
     }
 }
 
@@ -149,34 +210,35 @@ void removeFormerRows() {
 bool GetMobileEntries(bool noGridRefresh) {
     return trapped(kDialog.place, false, [noGridRefresh](bool& result) {
         const ObjectsRead read = readCalendarObjects(kDialog);
-        if (read.complete() || (read.listed == -1 && emptyCalendarAccepted(kDialog.place, read))) {
-            result = finishCompleteRead(noGridRefresh);
+        if (read.complete) {
+            result = finishCalendarRead(noGridRefresh);
         } else {
-            endFailedRead(read.cancelled);
+            endFailedRead(kCalendarDialog, read.cancelled);
+        }
+        refreshStatusLine();
+    });
+}
+
+bool GetMobileVCardEntries(bool noGridRefresh) {
+    static constexpr Place here{kModule, u"GetMobileVCardEntries"};
+    return trapped(here, false, [noGridRefresh](bool& result) {
+        const ObjectsRead read = readContactObjects(here, lookUpContact);
+        if (read.complete) {
+            finishContactRead(noGridRefresh);
+            result = true;
+        } else {
+            endFailedRead(kContactDialog, read.cancelled);
         }
         refreshStatusLine();
     });
 }
 
 bool vCalReadMobile(bool noGridRefresh) {
-    return trapped({kModule, u"vCalReadMobile"}, false, [noGridRefresh](bool& result) {
-        const StatusDialog dialog;
-        const BusyPointer busy;
-        app.status.SetText(tr(ids::kReadingPhoneStatus));
-        if (!statusKnown()) {
-            return;
-        }
-        phoneServer();
-        removeFormerRows();
-        app.status.SetText(tr(ids::kReadingPhoneEntries));
-        if (GetMobileEntries(noGridRefresh)) {
-            DeinitComm();
-            app.status.SetText(tr(ids::kMakingRows));
-            app.phone.vCalRead = kTrue;
-            refreshStatusLine();
-            result = true;
-        }
-    });
+    return readInDialog(u"vCalReadMobile", noGridRefresh, kCalendarDialog);
+}
+
+bool vCardReadMobile(bool noGridRefresh) {
+    return readInDialog(u"vCardReadMobile", noGridRefresh, kContactDialog);
 }
 
 } // namespace tandolin

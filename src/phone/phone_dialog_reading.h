@@ -11,4 +11,10 @@ bool vCalReadMobile(bool noGridRefresh);
 /// The loop of `vCalReadMobile`.
 bool GetMobileEntries(bool noGridRefresh);
 
+/// The same for the phone book, for which there is no Autodelete.
+bool vCardReadMobile(bool noGridRefresh);
+
+/// The loop of `vCardReadMobile`.
+bool GetMobileVCardEntries(bool noGridRefresh);
+
 } // namespace tandolin

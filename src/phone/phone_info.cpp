@@ -183,6 +183,19 @@ bool PXDInfovCal(std::unique_ptr<PhoneServer>& server, const MobilePaths& paths)
     });
 }
 
+bool getvCardMobileEntryName(std::unique_ptr<PhoneServer>& server, Text& name,
+                             const MobilePaths& paths) {
+    static constexpr Place here{kModule, u"getvCardMobileEntryName"};
+    return trapped(here, false, [&](bool& read) {
+        name.clear();
+        if (readPhoneBookInfo(server, paths)) {
+            noteConnected();
+            name = decimal(app.phone.LastUsedIndex) + u".vcf";
+            read = true;
+        }
+    });
+}
+
 std::optional<int> totalRecordsNow(StoreDirectory directory) {
     static constexpr Place here{kModule, u"totalRecordsNow"};
     return trapped(here, std::optional<int>(), [&](std::optional<int>& total) {

@@ -46,6 +46,12 @@ bool PXDInfovCard(std::unique_ptr<PhoneServer>& server, const MobilePaths& paths
 /// The device file and the calendar's status file only.
 bool PXDInfovCal(std::unique_ptr<PhoneServer>& server, const MobilePaths& paths);
 
+/// The name of the contact that the phone stored last, from the phone book's status file: where the
+/// phone chose the number of a new one, this tells it. False, and an empty name, when the file
+/// could not be read.
+bool getvCardMobileEntryName(std::unique_ptr<PhoneServer>& server, Text& name,
+                             const MobilePaths& paths);
+
 /// TOTAL-RECORDS of a directory, read anew; nothing when the phone does not tell. Changes no state.
 std::optional<int> totalRecordsNow(StoreDirectory directory);
 

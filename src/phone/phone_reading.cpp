@@ -2,7 +2,8 @@
 
 #include "core/state.h"
 #include "core/trap.h"
-#include "phone/object_reading.h"
+#include "phone/calendar_objects.h"
+#include "phone/contact_objects.h"
 #include "phone/object_store.h"
 #include "phone/phone_info.h"
 
@@ -12,29 +13,29 @@ namespace {
 
 constexpr TextView kModule = u"Mobile";
 
-constexpr ReadingForm kSilent{{kModule, u"SilentGetMobileEntries"},
-                              [](Table<Calendar>& row, TextView fileName) {
-                                  const std::int64_t number =
-                                      leadingNumber(fileName.substr(0, fileName.find(u'.')));
-                                  // Wanted: the unattended read notes the file written last, not
-                                  // the object's own.
-                                  row.set(cal::EntryFile, app.phone.GlobalMobilePaths.LastvCalFile);
-                                  row.set(cal::EntryID, decimal(number));
-                                  row.set(cal::SubType, int16Of(number));
-                              },
-                              [](Table<Calendar>&, bool) {}};
+constexpr CalendarReading kSilent{
+    {kModule, u"SilentGetMobileEntries"},
+    [](Table<Calendar>& row, TextView fileName) {
+        const std::int64_t number = leadingNumber(fileName.substr(0, fileName.find(u'.')));
+        // Wanted: the unattended read notes the file written last,
+        // not the object's own.
+        row.set(cal::EntryFile, app.phone.GlobalMobilePaths.LastvCalFile);
+        row.set(cal::EntryID, decimal(number));
+        row.set(cal::SubType, int16Of(number));
+    },
+    [](Table<Calendar>&, bool) {}};
 
 } // namespace
 
 bool SilentGetMobileEntries() {
-    return trapped(kSilent.place, false, [](bool& result) {
-        const ObjectsRead read = readCalendarObjects(kSilent);
-        if (read.listed == -1) {
-            result = emptyCalendarAccepted(kSilent.place, read);
-        } else if (read.complete()) {
-            noteCalendarRead();
-            result = true;
-        }
+    return trapped(kSilent.place, false,
+                   [](bool& result) { result = readCalendarObjects(kSilent).complete; });
+}
+
+bool SilentGetMobileVCardEntries() {
+    static constexpr Place here{kModule, u"SilentGetMobileVCardEntries"};
+    return trapped(here, false, [](bool& result) {
+        result = readContactObjects(here, [](Table<Contact>&) {}).complete;
     });
 }
 
@@ -53,6 +54,25 @@ bool SilentvCalReadMobile() {
         if (SilentGetMobileEntries()) {
             DeinitComm();
             app.phone.vCalRead = kTrue;
+            result = true;
+        }
+    });
+}
+
+bool SilentvCardReadMobile() {
+    return trapped({kModule, u"SilentvCardReadMobile"}, false, [](bool& result) {
+        if (!InitComm()) {
+            return;
+        }
+        // Unlike the calendar's read this one ends here when the phone is away.
+        if (!app.phone.MobileConnected &&
+            !PXDInfovCard(phoneServer(), app.phone.GlobalMobilePaths)) {
+            return;
+        }
+        phoneServer();
+        if (SilentGetMobileVCardEntries()) {
+            DeinitComm();
+            app.phone.vCardRead = kTrue;
             result = true;
         }
     });

@@ -1,34 +1,13 @@
 #include "store/row_operations.h"
 
 #include "core/trap.h"
+#include "store/common_fields.h"
 
 #include <type_traits>
 
 namespace tandolin {
 
 namespace {
-
-/// The fields that both layouts have, under one name each.
-template <class L>
-struct Common;
-
-template <>
-struct Common<Calendar> {
-    static constexpr auto EntryID = cal::EntryID;
-    static constexpr auto UID = cal::UID;
-    static constexpr auto PIM = cal::PIM;
-    static constexpr auto Mobile = cal::Mobile;
-    static constexpr auto EntryType = cal::EntryType;
-};
-
-template <>
-struct Common<Contact> {
-    static constexpr auto EntryID = con::EntryID;
-    static constexpr auto UID = con::UID;
-    static constexpr auto PIM = con::PIM;
-    static constexpr auto Mobile = con::Mobile;
-    static constexpr auto EntryType = con::EntryType;
-};
 
 /// The one pattern of all row operations: each row that holds the key, cursor restored.
 template <class L, class Change>

@@ -4,32 +4,33 @@
 
 namespace tandolin {
 
-/// A row of the calendar's scratch table, in which an entry waits while it is read and compared;
-/// gone when this goes out of scope. Another row there, such as an open editor's, stays, and is
-/// the current one again.
+/// A new row of a scratch table, in which an entry waits while it is read and compared; gone when
+/// this goes out of scope. Another row there, such as an open editor's, stays, and is the current
+/// one again.
+template <class L>
 class WorkRow {
 public:
-    WorkRow() {
-        vCalCreateNewRecord(tables.RSCalendarWork);
-        own_ = tables.RSCalendarWork.bookmark();
+    WorkRow(Table<L>& work, void (*addNew)(Table<L>&)) : work_(work), former_(work.bookmark()) {
+        addNew(work);
+        own_ = work.bookmark();
     }
 
     WorkRow(const WorkRow&) = delete;
     WorkRow& operator=(const WorkRow&) = delete;
 
     ~WorkRow() {
-        Table<Calendar>& work = tables.RSCalendarWork;
-        if (work.recordCount() <= 1) {
-            work.clear(); // a deleted row would keep its place
+        if (work_.recordCount() <= 1) {
+            work_.clear(); // a deleted row would keep its place
             return;
         }
-        work.goTo(own_);
-        work.Delete();
-        work.goTo(former_);
+        work_.goTo(own_);
+        work_.Delete();
+        work_.goTo(former_);
     }
 
 private:
-    Bookmark former_ = tables.RSCalendarWork.bookmark();
+    Table<L>& work_;
+    Bookmark former_;
     Bookmark own_;
 };
 

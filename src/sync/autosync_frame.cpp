@@ -32,15 +32,56 @@ DateUnit unitOfSettings() {
     }
 }
 
+struct FromTo {
+    DateFrame frame;
+    bool toIsDate = false;
+};
+
 /// Left and right of the tab; a right side that is no date is the left one plus a week.
-DateFrame fromTo() {
+FromTo fromTo() {
     const std::vector<Text> sides = split(app.settings.SyncEintraegevonbis, u"\t");
     const auto from = parseDate(sides.front(), app.core.GlobalToday);
     if (!from) {
         throw typeMismatch(u"SyncEintraegevonbis " + sides.front());
     }
     const auto to = sides.size() > 1 ? parseDate(sides[1], app.core.GlobalToday) : std::nullopt;
-    return {*from, to ? *to : addUnits(*from, DateUnit::weeks, 1)};
+    return {{*from, to ? *to : addUnits(*from, DateUnit::weeks, 1)}, to.has_value()};
+}
+
+DateFrame calendarFrame() {
+    const Date today = app.core.GlobalToday;
+    switch (app.settings.SyncZeitraum) {
+    case 1:
+        return {today, addToToday(DateUnit::years, 1)};
+    case 2:
+        return {app.settings.SyncEintraegeab,
+                addUnits(app.settings.SyncEintraegeab, DateUnit::years, 1)};
+    case 3:
+        return fromTo().frame;
+    case 4:
+        return {today, endOfDay(addToToday(unitOfSettings(), app.settings.SyncnaechstenAnzahl))};
+    default:
+        throw typeMismatch(u"SyncZeitraum " + decimal(app.settings.SyncZeitraum));
+    }
+}
+
+/// The same but for its end, which is another one in three of the four.
+DateFrame frameOfBothKinds() {
+    DateFrame frame = calendarFrame();
+    switch (app.settings.SyncZeitraum) {
+    case 1:
+        frame.to = endOfDay(addToToday(DateUnit::weeks, 1));
+        break;
+    case 3:
+        frame.to = fromTo().toIsDate ? frame.to : endOfDay(frame.to);
+        break;
+    case 4:
+        frame.to = addToToday(unitOfSettings(), app.settings.SyncnaechstenAnzahl);
+        break;
+    default:
+        break;
+    }
+    return frame;
 }
 
 } // namespace
@@ -58,21 +99,8 @@ void prepareSyncSettings() {
     }
 }
 
-DateFrame frameOfSettings() {
-    const Date today = app.core.GlobalToday;
-    switch (app.settings.SyncZeitraum) {
-    case 1:
-        return {today, addToToday(DateUnit::years, 1)};
-    case 2:
-        return {app.settings.SyncEintraegeab,
-                addUnits(app.settings.SyncEintraegeab, DateUnit::years, 1)};
-    case 3:
-        return fromTo();
-    case 4:
-        return {today, endOfDay(addToToday(unitOfSettings(), app.settings.SyncnaechstenAnzahl))};
-    default:
-        throw typeMismatch(u"SyncZeitraum " + decimal(app.settings.SyncZeitraum));
-    }
+DateFrame frameOfSettings(FrameOf run) {
+    return run == FrameOf::calendar ? calendarFrame() : frameOfBothKinds();
 }
 
 DateFrame spanOfPhoneRows(Table<Calendar>& table) {
@@ -110,7 +138,7 @@ DateFrame frameOfWalk() {
     case 2:
         return {app.settings.SyncEintraegeab, kLast};
     case 3: {
-        const DateFrame frame = fromTo();
+        const DateFrame frame = fromTo().frame;
         return {wholeDay(frame.from), frame.to};
     }
     case 4:

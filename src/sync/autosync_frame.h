@@ -15,8 +15,12 @@ struct DateFrame {
 /// Puts defaults where the settings of the time frames are unset.
 void prepareSyncSettings();
 
-/// The frame of a calendar run by `SyncZeitraum`. Throws Failure 13 for a setting that is no date.
-DateFrame frameOfSettings();
+/// Wanted: a run of both kinds reads the calendar in another frame than one of the calendar alone.
+enum class FrameOf : std::uint8_t { calendar, bothKinds };
+
+/// The frame of the calendar's reads by `SyncZeitraum`. Throws Failure 13 for a setting that is no
+/// date.
+DateFrame frameOfSettings(FrameOf run = FrameOf::calendar);
 
 /// The span of the table's start dates, whole days from the earliest to the latest, series from
 /// their anchor to their moved date.

@@ -14,20 +14,8 @@ bool isMadeUp(std::int64_t key) {
     return key >= kFirstKey && key < app.organizer.NextNewEntryID;
 }
 
-/// The queue stands on the first action of this kind that `find`, searching from the current row
-/// on, comes to and `accept` takes.
-template <class Find, class Accept>
-bool findAction(Table<Calendar>& queue, std::int32_t target, std::int32_t mode, Find find,
-                Accept accept) {
-    for (queue.MoveFirst(); find(); queue.MoveNext()) {
-        if (queue[cal::TransferNew] == target && queue[cal::TransferMode] == mode && accept()) {
-            return true;
-        }
-    }
-    return false;
-}
-
-/// The same for the entry of `row`: one object on the phone, one item in the organizer.
+/// The queue stands on an action of this kind for the entry of `row`: one object on the phone, one
+/// item in the organizer.
 bool findQueued(const Table<Calendar>& row, std::int32_t target, std::int32_t mode) {
     Table<Calendar>& queue = tables.RSCalendarSave;
     const auto found = [&](auto field, const auto& value, auto accept) {
@@ -60,15 +48,6 @@ bool putCopy(const Table<Calendar>& row) {
     }
     CopyFromRecordset(queue, row);
     return replaces;
-}
-
-/// Where an entry is to stand follows from its ticks before a write is queued.
-void setOriginByTicks(Table<Calendar>& row) {
-    if (row[cal::PIM] && row[cal::Mobile]) {
-        row.set(cal::EntryType, CONST_ENTRY_vCAL_BOTH);
-    } else if (row[cal::PIM] || row[cal::Mobile]) {
-        row.set(cal::EntryType, row[cal::PIM] ? CONST_ENTRY_vCAL_PIM : CONST_ENTRY_vCAL_MOBILE);
-    }
 }
 
 bool holdsKey(Table<Calendar>& table, TextView key) {
@@ -114,14 +93,6 @@ void giveKeys(Table<Calendar>& row, bool isNew) {
 }
 
 } // namespace
-
-bool changesAreQueued() {
-    return app.settings.SaveTyp != 1 && !app.sync.GlobalTransferActive && !app.sync.AutoSyncRunning;
-}
-
-bool isEntryKey(TextView key) {
-    return !key.empty() && key != u"0" && key != u"-1";
-}
 
 std::int32_t objectNumberOf(const Table<Calendar>& row) {
     if (row[cal::SubType] != -1) {
@@ -218,31 +189,8 @@ bool queueOrganizerRemoval(Table<Calendar>& row) {
 
 void vcalSaveKontrolle(Table<Calendar>& table, TextView key, bool /*pimFlag*/, bool /*mobileFlag*/,
                        bool useUID) {
-    trapped({u"Mobile", u"vcalSaveKontrolle"}, [&] {
-        if (table.atEnd() || !isEntryKey(key)) {
-            return;
-        }
-        const Text wanted(key);
-        const std::int32_t side = table[cal::TransferNew];
-        const KeepPosition keep(table);
-        table.MoveFirst();
-        while (table.Find(useUID ? cal::UID : cal::EntryID, wanted)) {
-            if (table[cal::TransferNew] == side && table[cal::TransferMode] != kTransferRemove) {
-                table.Delete();
-            }
-            table.MoveNext();
-        }
-    });
-}
-
-void showSaveTool() {
-    const bool waiting = !tables.RSCalendarSave.isEmpty() || !tables.RSContactsSave.isEmpty();
-    app.ports.screen.window->toolVisible(u"TDLTools", u"TDLSave", waiting);
-}
-
-void endLastWrite(Table<Calendar>& row) {
-    row.set(cal::IsChanged, false);
-    row.endEdit();
+    trapped({u"Mobile", u"vcalSaveKontrolle"},
+            [&] { dropWrites(table, useUID ? cal::UID : cal::EntryID, key); });
 }
 
 } // namespace tandolin

@@ -1,29 +1,10 @@
 #pragma once
 
-#include "store/tables.h"
+// The queue of calendar changes.
+
+#include "sync/queue.h"
 
 namespace tandolin {
-
-// The queue of calendar changes that are sent later, `RSCalendarSave`. A queued row is a copy of
-// its entry with what is to be done: `TransferMode` and the side in `TransferNew`. The copies are
-// made so that the transfer's table of actions leads each to that side.
-//
-//   the user moves a meeting of both sides: two rows, a write to the phone and one to the organizer
-
-/// Values of `TransferMode`; a row that is done waits for the end of the transfer.
-inline constexpr std::int32_t kTransferDone = 0;
-inline constexpr std::int32_t kTransferWrite = 1;
-inline constexpr std::int32_t kTransferRemove = 2;
-
-/// Values of `TransferNew`.
-inline constexpr std::int32_t kToOrganizer = 1;
-inline constexpr std::int32_t kToPhone = 2;
-
-/// Do changes wait for a transfer? Not while one runs, and never in an AutoSync.
-bool changesAreQueued();
-
-/// Does the text name an entry? Empty, "0" and "-1" stand for none, and many rows hold them.
-bool isEntryKey(TextView key);
 
 /// The number of the row's object on the phone: `SubType`, else an `EntryID` that is a number of
 /// the phone, not a made-up key or the organizer's; 0 without one.
@@ -63,11 +44,5 @@ bool queueOrganizerRemoval(Table<Calendar>& row);
 /// effect. The position stays.
 void vcalSaveKontrolle(Table<Calendar>& table, TextView key, bool pimFlag, bool mobileFlag,
                        bool useUID);
-
-/// Shows the tool `TDLSave` while one of the queues has rows, else hides it.
-void showSaveTool();
-
-/// The row's last write has succeeded: it is no changed row any more, and its edit is forgotten.
-void endLastWrite(Table<Calendar>& row);
 
 } // namespace tandolin

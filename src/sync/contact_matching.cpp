@@ -9,22 +9,30 @@ namespace tandolin {
 
 namespace {
 
+/// The two rows, each with what it lacks and the other has.
+struct FilledCopies {
+    Table<Contact> main;
+    Table<Contact> work;
+
+    FilledCopies(const Table<Contact>& mainRow, const Table<Contact>& workRow) {
+        main.AddCopy(mainRow.row());
+        work.AddCopy(workRow.row());
+        fillEmptyFields(main, work);
+    }
+};
+
 /// A name alone makes nobody the same person: what is filled in is judged on copies, and only a
 /// match writes it back.
 bool sameWhenFilled(Table<Contact>& main, Table<Contact>& work) {
     if (!firstNamesAgree(main, work)) {
         return false;
     }
-    Table<Contact> filledMain;
-    Table<Contact> filledWork;
-    filledMain.AddCopy(main.row());
-    filledWork.AddCopy(work.row());
-    fillEmptyFields(filledMain, filledWork);
-    if (!sameContact(filledMain, filledWork)) {
+    const FilledCopies filled(main, work);
+    if (!sameContact(filled.main, filled.work)) {
         return false;
     }
-    main.assignRow(filledMain.row());
-    work.assignRow(filledWork.row());
+    main.assignRow(filled.main.row());
+    work.assignRow(filled.work.row());
     return true;
 }
 
@@ -38,6 +46,14 @@ bool vCardFindCompare(Table<Contact>& mainTable, Table<Contact>& workTable) {
                                             : sameContact(mainTable, workTable);
         });
     });
+}
+
+TextView whyTwoContacts(const Table<Contact>& main, const Table<Contact>& work) {
+    if (!app.sync.AutoSyncRunning || !firstNamesAgree(main, work)) {
+        return firstFailedRule(main, work);
+    }
+    const FilledCopies filled(main, work);
+    return firstFailedRule(filled.main, filled.work);
 }
 
 } // namespace tandolin

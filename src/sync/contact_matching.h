@@ -10,4 +10,7 @@ namespace tandolin {
 /// taken from the other before they are compared; only a match keeps it.
 bool vCardFindCompare(Table<Contact>& mainTable, Table<Contact>& workTable);
 
+/// In words, why `vCardFindCompare` takes the two rows for two contacts; empty when it would not.
+TextView whyTwoContacts(const Table<Contact>& main, const Table<Contact>& work);
+
 } // namespace tandolin

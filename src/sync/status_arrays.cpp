@@ -2,6 +2,7 @@
 
 #include "core/state.h"
 #include "core/trap.h"
+#include "store/common_fields.h"
 
 namespace tandolin {
 
@@ -15,28 +16,18 @@ void refreshStatusBar() {
     }
 }
 
-/// What tells in a row where its entry is.
-template <class L>
-struct Sides {
-    Field<L, bool> PIM;
-    Field<L, bool> Mobile;
-    Field<L, std::int32_t> EntryType;
-};
-
-constexpr Sides<Calendar> kCalendarSides{cal::PIM, cal::Mobile, cal::EntryType};
-constexpr Sides<Contact> kContactSides{con::PIM, con::Mobile, con::EntryType};
-
-template <class L>
-void clearPhoneRows(Table<L>& table, const Sides<L>& sides, bool clearPIMToo) {
+/// `loseObject` makes the row of a pair one of the organizer.
+template <class L, class LoseObject>
+void clearPhoneRows(Table<L>& table, bool clearPIMToo, LoseObject loseObject) {
+    using F = Common<L>;
     for (table.MoveFirst(); !table.atEnd(); table.MoveNext()) {
-        if (!table[sides.Mobile] && table[sides.EntryType] == CONST_ENTRY_vCAL_PIM) {
+        if (!table[F::Mobile] && table[F::EntryType] == CONST_ENTRY_vCAL_PIM) {
             continue;
         }
-        if (!table[sides.PIM] || clearPIMToo) {
+        if (!table[F::PIM] || clearPIMToo) {
             table.Delete();
         } else {
-            table.set(sides.Mobile, false);
-            table.set(sides.EntryType, CONST_ENTRY_vCAL_PIM);
+            loseObject();
         }
     }
     table.MoveFirst();
@@ -44,11 +35,10 @@ void clearPhoneRows(Table<L>& table, const Sides<L>& sides, bool clearPIMToo) {
 
 /// After the rows: what shows and counts them. `count` and `read` are the organizer's of this kind.
 template <class L>
-void showCleared(Table<L>& table, const Sides<L>& sides, bool clearPIMToo, std::int32_t& count,
-                 Flag& read) {
+void showCleared(Table<L>& table, bool clearPIMToo, std::int32_t& count, Flag& read) {
     refreshStatusBar();
     if (clearPIMToo) {
-        count = static_cast<std::int32_t>(table.countTrue(sides.PIM));
+        count = static_cast<std::int32_t>(table.countTrue(Common<L>::PIM));
         read = flagOf(count > 0);
         showOrganizerStatus();
     }
@@ -71,21 +61,24 @@ void restoreAlarms(Table<Calendar>& row) {
 
 void vCalClearAfterMobileError(bool clearPIMToo) {
     trapped({kModule, u"vCalClearAfterMobileError"}, [clearPIMToo] {
-        clearPhoneRows(tables.RSCalendar, kCalendarSides, clearPIMToo);
+        Table<Calendar>& table = tables.RSCalendar;
+        clearPhoneRows(table, clearPIMToo, [&table] {
+            table.set(cal::Mobile, false);
+            table.set(cal::EntryType, CONST_ENTRY_vCAL_PIM);
+        });
         app.phone.tableShowsPhone = false;
         vCalClearMobileStatusArray();
-        showCleared(tables.RSCalendar, kCalendarSides, clearPIMToo, app.organizer.vCalPIMCount,
-                    app.organizer.vCalPIMRead);
+        showCleared(table, clearPIMToo, app.organizer.vCalPIMCount, app.organizer.vCalPIMRead);
         app.ports.screen.window->refresh(Grid::GridEXCal);
     });
 }
 
 void vCardClearAfterMobileError(bool clearPIMToo) {
     trapped({kModule, u"vCardClearAfterMobileError"}, [clearPIMToo] {
-        clearPhoneRows(tables.RSContacts, kContactSides, clearPIMToo);
+        Table<Contact>& table = tables.RSContacts;
+        clearPhoneRows(table, clearPIMToo, [&table] { leavePhone(table); });
         vCardClearMobileStatusArray();
-        showCleared(tables.RSContacts, kContactSides, clearPIMToo, app.organizer.vCardPIMCount,
-                    app.organizer.vCardPIMRead);
+        showCleared(table, clearPIMToo, app.organizer.vCardPIMCount, app.organizer.vCardPIMRead);
         app.ports.screen.window->refresh(Grid::GridEXCard);
     });
 }
@@ -119,6 +112,13 @@ void leavePhone(Table<Calendar>& row) {
     row.set(cal::EntryID, Text(row[cal::UID]));
     row.set(cal::SubType, -1);
     row.set(cal::Mobile, false);
+}
+
+void leavePhone(Table<Contact>& row) {
+    row.set(con::EntryType, CONST_ENTRY_vCAL_PIM);
+    row.set(con::MobileID, u"");
+    row.set(con::EntryFile, u"");
+    row.set(con::Mobile, false);
 }
 
 void enableAutoSync(bool enabled) {

@@ -22,6 +22,9 @@ void vCardReset(Table<Contact>& table);
 /// organizer: its number is free again, for itself too.
 void leavePhone(Table<Calendar>& row);
 
+/// The same for a contact, which loses its object's name: another may get it.
+void leavePhone(Table<Contact>& row);
+
 /// Switches the tool `TDLAutoSync` in both bands.
 void enableAutoSync(bool enabled);
 

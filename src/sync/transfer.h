@@ -15,4 +15,8 @@ bool TransfertoMobile(Table<Contact>& contactQueue, Table<Calendar>& calendarQue
 /// which the caller clears.
 bool TransfervCal(Table<Calendar>& queue);
 
+/// The same for the contacts' queue and `RSContacts`. The number of a new contact is the phone's
+/// choice and goes to all rows of that contact.
+bool TransfervCard(Table<Contact>& queue);
+
 } // namespace tandolin

@@ -1,5 +1,7 @@
 #include "sync/transfer_table.h"
 
+#include "store/common_fields.h"
+
 #include <algorithm>
 #include <array>
 
@@ -61,14 +63,19 @@ bool isOr(std::int32_t wanted, std::int32_t value) {
 
 } // namespace
 
-TransferAction transferActionOf(const Table<Calendar>& queue) {
-    const std::int32_t column = columnOf(queue[cal::EntryType]);
+template <class L>
+TransferAction transferActionOf(const Table<L>& queue) {
+    using F = Common<L>;
+    const std::int32_t column = columnOf(queue[F::EntryType]);
     const auto line = std::ranges::find_if(kLines, [&](const TransferLine& l) {
-        return l.mobile == queue[cal::Mobile] && l.isChanged == queue[cal::IsChanged] &&
-               isOr(l.column, column) && l.mode == queue[cal::TransferMode] &&
-               isOr(l.target, queue[cal::TransferNew]);
+        return l.mobile == queue[F::Mobile] && l.isChanged == queue[F::IsChanged] &&
+               isOr(l.column, column) && l.mode == queue[F::TransferMode] &&
+               isOr(l.target, queue[F::TransferNew]);
     });
     return line == kLines.end() ? none : line->action;
 }
+
+template TransferAction transferActionOf(const Table<Calendar>&);
+template TransferAction transferActionOf(const Table<Contact>&);
 
 } // namespace tandolin

@@ -16,6 +16,7 @@ enum class TransferAction : std::uint8_t {
 };
 
 /// The action of the queue's current row, by its sides and transfer fields.
-TransferAction transferActionOf(const Table<Calendar>& queue);
+template <class L>
+TransferAction transferActionOf(const Table<L>& queue);
 
 } // namespace tandolin

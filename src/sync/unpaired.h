@@ -8,4 +8,7 @@ namespace tandolin {
 /// same start are not one entry. Without a listener nothing is looked at.
 void explainUnpaired(Table<Calendar>& table);
 
+/// The same for contacts of one last name.
+void explainUnpaired(Table<Contact>& table);
+
 } // namespace tandolin

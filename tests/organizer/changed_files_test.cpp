@@ -2,7 +2,7 @@
 // changes a row, written back.
 
 #include "organizer/calendar_reading.h"
-#include "organizer/calendar_removal.h"
+#include "organizer/removal.h"
 #include "organizer/calendar_writing.h"
 #include "platform/organizer_folder_fixture.h"
 #include "support/fresh_program.h"

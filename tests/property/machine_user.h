@@ -4,7 +4,7 @@
 // and editor do, at once or through the queue, and knows what was asked for.
 
 #include "formats/calendar_codec.h"
-#include "organizer/calendar_removal.h"
+#include "organizer/removal.h"
 #include "organizer/calendar_writing.h"
 #include "organizer/clear_organizer.h"
 #include "phone/free_numbers.h"

@@ -4,7 +4,7 @@
 // below are what the grid and the editor do with the row of an entry.
 
 #include "organizer/calendar_reading.h"
-#include "organizer/calendar_removal.h"
+#include "organizer/removal.h"
 #include "organizer/calendar_writing.h"
 #include "phone/free_numbers.h"
 #include "phone/phone_reading.h"

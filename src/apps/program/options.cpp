@@ -17,7 +17,9 @@ namespace {
 constexpr const char* kVersion = "halverntandolin 0.1.0";
 
 constexpr const char* kFooter = R"(Words (any case, any place):
+  BOTH          one AutoSync of the calendar, then of the contacts
   VCAL          one AutoSync of the calendar
+  VCARD         one AutoSync of the contacts
   NOORG         run without the organizer
   D             show every object that is sent or received
   DEBUG         write the trace TDLDebug.txt into the home directory
@@ -26,7 +28,7 @@ constexpr const char* kFooter = R"(Words (any case, any place):
   TIMER=n
 
 Example:
-  halverntandolin --phone dir:PHONE --organizer folder:ORG VCAL
+  halverntandolin --phone dir:PHONE --organizer folder:ORG BOTH
 
 Before its first write a run copies both sides; --list-backups shows the copies, --restore DIR
 undoes the run (exit 1 when something was changed since and is left alone).
@@ -205,7 +207,7 @@ std::optional<std::string> namesNotBuilt(const std::vector<std::string>& argumen
 } // namespace
 
 std::string helpText() {
-    CLI::App cli{"Keeps the calendar of a mobile phone in step with an organizer.",
+    CLI::App cli{"Keeps calendar and contacts of a mobile phone in step with an organizer.",
                  "halverntandolin"};
     Options options;
     std::vector<std::string> sets;
@@ -220,7 +222,7 @@ Parsed parseOptions(const std::vector<std::string>& arguments) {
     if (const auto refused = namesNotBuilt(rest)) {
         return usage(*refused);
     }
-    CLI::App cli{"Keeps the calendar of a mobile phone in step with an organizer.",
+    CLI::App cli{"Keeps calendar and contacts of a mobile phone in step with an organizer.",
                  "halverntandolin"};
     std::vector<std::string> sets;
     std::string limit;

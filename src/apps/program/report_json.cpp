@@ -24,6 +24,20 @@ Json calendarRows() {
     return rows;
 }
 
+Json contactRows() {
+    Json rows = Json::array();
+    Table<ContactLog>& log = logTables.contacts;
+    for (log.MoveFirst(); !log.atEnd(); log.MoveNext()) {
+        rows.push_back({{"Transfer", toUtf8(log[conlog::Transfer])},
+                        {"Action", toUtf8(log[conlog::Action])},
+                        {"Name", toUtf8(log[conlog::Name])},
+                        {"Phone", toUtf8(log[conlog::Phone])},
+                        {"Error", log[conlog::Error] == tr(ids::kYes)},
+                        {"ErrorDesc", toUtf8(log[conlog::ErrorDesc])}});
+    }
+    return rows;
+}
+
 Json noteRows() {
     Json rows = Json::array();
     for (const Note& note : app.run.notes) {
@@ -78,7 +92,7 @@ void writeJson(std::ostream& out, const RunFacts& facts) {
                         {"exit", static_cast<int>(facts.exit)},
                         {"backup", orNull(facts.backup)},
                         {"calendar", calendarRows()},
-                        {"contacts", Json::array()},
+                        {"contacts", contactRows()},
                         {"errors", failureRows(facts.failures)},
                         {"notes", noteRows()}};
     writeDocument(out, document);

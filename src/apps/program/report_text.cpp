@@ -3,7 +3,6 @@
 #include "core/state.h"
 #include "log/log_model.h"
 
-#include <algorithm>
 #include <ostream>
 
 namespace tandolin::program {
@@ -20,30 +19,50 @@ std::string lineOf(TextView text) {
     return toUtf8(onOneLine(text));
 }
 
-template <class Wanted>
-void writeRows(std::ostream& out, Wanted&& wanted) {
+std::string failedWords(bool failed, TextView reason) {
+    return (failed ? " FAILED: " + lineOf(reason) : "") + "\n";
+}
+
+void writeCalendarRows(std::ostream& out, bool failedOnly) {
     Table<CalendarLog>& log = logTables.calendar;
     for (log.MoveFirst(); !log.atEnd(); log.MoveNext()) {
         const bool failed = log[callog::Error] == tr(ids::kYes);
-        if (!wanted(failed)) {
-            continue;
+        if (failed || !failedOnly) {
+            out << toUtf8(log[callog::Transfer]) << ' ' << toUtf8(log[callog::Action]) << ' '
+                << toUtf8(isoDate(log[callog::Date])) << ' ' << toUtf8(isoTime(log[callog::Time]))
+                << ' ' << toUtf8(log[callog::Typ]) << ' ' << lineOf(log[callog::Text])
+                << failedWords(failed, log[callog::ErrorDesc]);
         }
-        out << toUtf8(log[callog::Transfer]) << ' ' << toUtf8(log[callog::Action]) << ' '
-            << toUtf8(isoDate(log[callog::Date])) << ' ' << toUtf8(isoTime(log[callog::Time]))
-            << ' ' << toUtf8(log[callog::Typ]) << ' ' << lineOf(log[callog::Text])
-            << (failed ? " FAILED: " + lineOf(log[callog::ErrorDesc]) : "") << '\n';
     }
+}
+
+void writeContactRows(std::ostream& out, bool failedOnly) {
+    Table<ContactLog>& log = logTables.contacts;
+    for (log.MoveFirst(); !log.atEnd(); log.MoveNext()) {
+        const bool failed = log[conlog::Error] == tr(ids::kYes);
+        if (failed || !failedOnly) {
+            const TextView phone = log[conlog::Phone];
+            out << toUtf8(log[conlog::Transfer]) << ' ' << toUtf8(log[conlog::Action]) << ' '
+                << lineOf(log[conlog::Name]) << (phone.empty() ? "" : ", " + lineOf(phone))
+                << failedWords(failed, log[conlog::ErrorDesc]);
+        }
+    }
+}
+
+void writeRows(std::ostream& out, bool failedOnly) {
+    writeCalendarRows(out, failedOnly);
+    writeContactRows(out, failedOnly);
 }
 
 } // namespace
 
 void writeFailedRows(std::ostream& out) {
-    writeRows(out, [](bool failed) { return failed; });
+    writeRows(out, true);
 }
 
 void writeSummary(std::ostream& out) {
     out << withLineFeeds(app.log.summary) << "\n\n";
-    writeRows(out, [](bool) { return true; });
+    writeRows(out, false);
     for (const Note& note : app.run.notes) {
         out << toUtf8(note.kind) << ": " << toUtf8(note.side) << ' ' << lineOf(note.file) << ' '
             << (note.text.empty() ? "" : lineOf(note.text) + ": ") << lineOf(note.reason) << '\n';

@@ -35,7 +35,8 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr const char* kNoWindow = "There is no window in this version: give a word, such as VCAL.";
+constexpr const char* kNoWindow =
+    "There is no window in this version: give a word: BOTH, VCAL or VCARD.";
 constexpr const char* kMachineSettings = "/etc/halverntandolin/settings.toml";
 
 /// Language files of the installation, or of the build that the program lies in.
@@ -89,14 +90,14 @@ std::optional<int> endsAtOnce(const Options& options, std::ostream& errors) {
     if (isKill(options)) {
         return std::nullopt;
     }
-    for (const TextView word : {u"BOTH", u"VCARD", u"OPTIONS"}) {
-        if (hasWord(options.words, word)) {
-            errors << toUtf8(word)
-                   << " is not available in this version; nothing was read or written\n";
-            return 2;
-        }
+    if (hasWord(options.words, u"OPTIONS")) {
+        errors << "OPTIONS is not available in this version; nothing was read or written\n";
+        return 2;
     }
-    if (!hasWord(options.words, u"VCAL")) {
+    const bool isRun =
+        std::ranges::any_of(std::array{u"BOTH", u"VCAL", u"VCARD"},
+                            [&](const char16_t* word) { return hasWord(options.words, word); });
+    if (!isRun) {
         errors << kNoWindow << "\n\n" << helpText();
         return 2;
     }

@@ -46,6 +46,8 @@ struct ContactFacts {
     Date CreationTime;
     /// The file or object it comes from, for messages; empty when the store has none.
     Text File;
+
+    friend bool operator==(const ContactFacts&, const ContactFacts&) = default;
 };
 
 /// One contact that can be changed. Nothing is stored before `Save`.

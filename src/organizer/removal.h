@@ -10,4 +10,7 @@ namespace tandolin {
 /// that was only queued to be created is forgotten.
 bool RemoveEntryFromOutlook(Table<Calendar>& table);
 
+/// The same for a contact.
+bool RemoveEntryFromOutlook(Table<Contact>& table);
+
 } // namespace tandolin
