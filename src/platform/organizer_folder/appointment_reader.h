@@ -12,11 +12,6 @@
 
 namespace tandolin::ical {
 
-/// A file that is no calendar this program may touch; caught where the file's name is known.
-struct Unreadable {
-    std::string reason;
-};
-
 /// All appointments of a file. `fileName` stands for the UID where there is none, `fileTime`
 /// (local) for the creation time. Throws Unreadable.
 std::vector<ReadItem> readItems(const ContentLines& lines, Zones& zones, std::string_view fileName,

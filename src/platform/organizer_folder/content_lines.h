@@ -30,6 +30,11 @@ struct Component {
     int parent = -1;
 };
 
+/// A file that is nothing this program may touch; caught where the file's name is known.
+struct Unreadable {
+    std::string reason;
+};
+
 inline constexpr std::size_t kNoLine = static_cast<std::size_t>(-1);
 
 /// The text without blanks and tabs at both ends.

@@ -3,35 +3,26 @@
 // The calendar folder of the organizer: `*.ics` files, one item with its overrides in each (several
 // items in a file are read and edited all the same).
 //
-// When is what read? The first search or look-up reads every file once; of each only the compact
-// entry in the index stays. After that the folder is looked at again
-// - when its own time stamp says that somebody added, replaced or removed a file: then the files
-//   whose inode, time or size changed are read anew; or
-// - for a search over more than a day that follows a new `GetDefaultCalendarFolder`, so that a new
-//   read of the whole calendar sees files that were written in place too.
-// An item that is opened or saved always comes fresh from its file.
+// The files are read as stored_files.h tells; of each only the compact entry in the index stays. A
+// search over more than a day that follows a new `GetDefaultCalendarFolder` looks at every file, so
+// that a new read of the whole calendar sees those too that were written in place.
 
-#include "core/failure.h"
 #include "core/ports/organizer.h"
-#include "core/ports/store_changes.h"
 #include "core/ports/system.h"
 #include "platform/organizer_folder/appointment_writer.h"
-#include "platform/organizer_folder/calendar_directory.h"
 #include "platform/organizer_folder/calendar_index.h"
+#include "platform/organizer_folder/stored_files.h"
 
-#include <deque>
-#include <map>
 #include <memory>
 #include <optional>
 #include <string>
-#include <unordered_map>
 #include <vector>
 
 namespace tandolin::platform {
 
-class FolderCalendar : public CalendarFolder {
+class FolderCalendar : public CalendarFolder, private FileContents {
 public:
-    FolderCalendar(CalendarDirectory directory, ical::Zones& zones, const Clock& clock, bool dryRun,
+    FolderCalendar(ItemDirectory directory, ical::Zones& zones, const Clock& clock, bool dryRun,
                    ChangeObserver* changes = nullptr);
 
     const AppointmentFacts* Find(StartRange range) override;
@@ -44,8 +35,10 @@ public:
 
     /// Called for each GetDefaultFolder: throws when the folder cannot be opened.
     void opened();
-    [[nodiscard]] std::vector<UnreadableItem> unreadable() const;
-    void flush();
+
+    [[nodiscard]] StoredFiles& files() { return files_; }
+
+    [[nodiscard]] const StoredFiles& files() const { return files_; }
 
     // What an opened item asks for.
     /// The facts of the stored item, as last read. Throws Failure 91 when there is none.
@@ -60,57 +53,27 @@ public:
     [[nodiscard]] Date now() const { return clock_.now(); }
 
 private:
-    struct StoredFile {
-        std::string name;
-        FileStamp stamp;
-        std::uint32_t firstItem = 0;
-        std::uint32_t itemCount = 0;
-    };
-
     void ensureRead(bool wide);
-    void readAll();
-    void readFile(std::uint32_t file);
-    void index(std::uint32_t file, std::string_view bytes);
-    void dropFile(std::uint32_t file);
-    [[nodiscard]] bool isUnchanged(const StoredFile& file) const;
-    std::uint32_t fileNamed(const std::string& name);
+
+    void expect(std::size_t files) override { index_.reserve(files); }
+
+    void takeIn(StoredFile& file, std::uint32_t number, std::string_view bytes) override;
+    void forget(StoredFile& file) override;
+    [[nodiscard]] std::optional<std::uint32_t> knownFileOf(const std::string& id) const;
     /// The file of an identifier. Throws Failure 91.
     std::uint32_t fileOf(const std::string& id);
-    /// Brings the file of an item into `buffer_` and `lines_`. False when it is gone.
-    bool fetch(std::uint32_t file, FileStamp& stamp);
-    [[nodiscard]] bool stillIs(std::uint32_t file, const FileStamp& stamp) const;
-    bool tryRemove(const std::string& id);
-    /// Writes the file, but not over another one than was seen; nothing: it is a new one.
-    void store(std::uint32_t file, const std::string& bytes, const std::optional<FileStamp>& seen);
-    [[nodiscard]] Failure changedMeanwhile(std::uint32_t file) const;
-    void removeFile(std::uint32_t file, const FileStamp& seen);
     [[nodiscard]] ical::EditContext editContext(std::string_view fileName);
     void fill(AppointmentFacts& facts, const ical::StoredItem& item, std::int32_t part,
               const ical::Span& span) const;
 
-    CalendarDirectory directory_;
+    StoredFiles files_;
     ical::Zones& zones_;
     const Clock& clock_;
-    bool dryRun_;
-    ChangeObserver* changes_;
-    unsigned newFileMode_;
-
-    std::deque<StoredFile> files_;
-    std::unordered_map<std::string_view, std::uint32_t> fileByName_;
-    std::map<std::string, std::string> unreadable_; ///< name to reason
     ical::CalendarIndex index_;
     std::optional<ical::Search> search_;
     AppointmentFacts current_;
-
-    bool complete_ = false;
     bool checkDue_ = false;
-    FileStamp folderStamp_;
-    bool written_ = false;
-    /// What a dry run would have written; nothing where it would have removed the file.
-    std::map<std::string, std::optional<std::string>> pretended_;
-
-    std::string buffer_; ///< the bytes of the file at hand, its memory used for all
-    ical::ContentLines lines_;
+    ical::ContentLines lines_; ///< of the file at hand, their memory used for all
     std::optional<std::optional<std::string>> zoneLines_;
 };
 

@@ -1,7 +1,7 @@
 #include "platform/organizer_folder/folder_files.h"
 
 #include "core/failure.h"
-#include "platform/organizer_folder/calendar_directory.h"
+#include "platform/organizer_folder/item_directory.h"
 #include "platform/system_posix/atomic_file.h"
 
 #include <algorithm>
@@ -59,7 +59,7 @@ void addCards(const fs::path& directory, std::vector<std::string>& names) {
 } // namespace
 
 std::vector<std::string> FolderFiles::entries(EntryKinds kinds) {
-    CalendarDirectory directory(options_.root, options_.calendarDir);
+    ItemDirectory directory(options_.root, options_.calendarDir, ".ics");
     directory.checkOpen();
     std::vector<std::string> names;
     if (kinds.calendar) {

@@ -2,7 +2,7 @@
 
 #include "core/ports/organizer.h"
 #include "platform/organizer_folder/appointment_writer.h"
-#include "platform/organizer_folder/calendar_directory.h"
+#include "platform/organizer_folder/item_directory.h"
 
 #include <string>
 

@@ -14,9 +14,9 @@ CalendarFolder& FolderOrganizer::GetDefaultCalendarFolder() {
     if (!calendar_) {
         auto zones = std::make_unique<ical::Zones>(
             options_.localZone.empty() ? ical::localZoneName() : options_.localZone);
-        auto calendar =
-            std::make_unique<FolderCalendar>(CalendarDirectory(options_.root, options_.calendarDir),
-                                             *zones, clock_, options_.dryRun, options_.changes);
+        auto calendar = std::make_unique<FolderCalendar>(
+            ItemDirectory(options_.root, options_.calendarDir, ".ics"), *zones, clock_,
+            options_.dryRun, options_.changes);
         calendar->opened();
         zones_ = std::move(zones);
         calendar_ = std::move(calendar);
@@ -31,12 +31,12 @@ ContactFolder& FolderOrganizer::GetContactItems(const FolderRecord& folder) {
 }
 
 std::vector<UnreadableItem> FolderOrganizer::unreadable() const {
-    return calendar_ ? calendar_->unreadable() : std::vector<UnreadableItem>{};
+    return calendar_ ? calendar_->files().unreadable() : std::vector<UnreadableItem>{};
 }
 
 void FolderOrganizer::flush() {
     if (calendar_) {
-        calendar_->flush();
+        calendar_->files().flush();
     }
 }
 

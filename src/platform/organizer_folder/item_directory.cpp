@@ -1,4 +1,4 @@
-#include "platform/organizer_folder/calendar_directory.h"
+#include "platform/organizer_folder/item_directory.h"
 
 #include "core/failure.h"
 #include "platform/organizer_folder/content_lines.h"
@@ -28,12 +28,6 @@ constexpr off_t kLargestFile = off_t{16} << 20U;
     throw failure;
 }
 
-bool isCalendarName(std::string_view name) {
-    constexpr std::string_view kExtension = ".ics";
-    return name.size() > kExtension.size() && name.front() != '.' &&
-           ical::sameName(name.substr(name.size() - kExtension.size()), kExtension);
-}
-
 bool isWithin(const fs::path& path, const fs::path& folder) {
     const auto [end, ignored] = std::ranges::mismatch(folder, path);
     return end == folder.end();
@@ -46,22 +40,31 @@ unsigned modeOfNewFiles() {
     return kForAll & ~fileModeMask();
 }
 
-CalendarDirectory::CalendarDirectory(const fs::path& root, const fs::path& directory)
-    : root_(root), directory_(root / directory) {
+ItemDirectory::ItemDirectory(const fs::path& root, const fs::path& directory,
+                             std::string_view extension, Missing missing)
+    : root_(root), directory_(root / directory), extension_(extension), missing_(missing) {
     const fs::path relative = directory_.lexically_relative(root_);
     const bool below = !relative.empty() && *relative.begin() != "..";
     labelFolder_ = (below ? relative : directory_.filename()).generic_string();
     label_ = fromUtf8(labelFolder_ + '/');
 }
 
-Text CalendarDirectory::label(std::string_view name) const {
+Text ItemDirectory::label(std::string_view name) const {
     return label_ + fromUtf8(name);
 }
 
-FileStamp CalendarDirectory::stamp() const {
+bool ItemDirectory::isItemName(std::string_view name) const {
+    return name.size() > extension_.size() && name.front() != '.' &&
+           ical::sameName(name.substr(name.size() - extension_.size()), extension_);
+}
+
+FileStamp ItemDirectory::stamp() const {
     struct stat facts {};
 
     if (::stat(directory_.c_str(), &facts) != 0) {
+        if (errno == ENOENT && missing_ == Missing::isEmpty) {
+            return {};
+        }
         refuse(errno, directory_, fromUtf8(labelFolder_));
     }
     if (!S_ISDIR(facts.st_mode)) {
@@ -70,19 +73,21 @@ FileStamp CalendarDirectory::stamp() const {
     return stampFromFacts(facts);
 }
 
-void CalendarDirectory::checkOpen() const {
-    static_cast<void>(stamp());
+void ItemDirectory::checkOpen() const {
+    if (stamp() == FileStamp{}) {
+        return;
+    }
     if (::faccessat(AT_FDCWD, directory_.c_str(), R_OK | X_OK, AT_EACCESS) != 0) {
         refuse(errno, directory_, fromUtf8(labelFolder_));
     }
 }
 
-void CalendarDirectory::failAsOrganizer(Failure& failure) const {
+void ItemDirectory::failAsOrganizer(Failure& failure) const {
     failure.Number = failure_number::kOrganizer;
     failure.File = fromUtf8(labelFolder_);
 }
 
-void CalendarDirectory::open() {
+void ItemDirectory::open() {
     try {
         opened_ = OpenDirectory(directory_);
     } catch (Failure& failure) {
@@ -91,13 +96,22 @@ void CalendarDirectory::open() {
     }
 }
 
-std::vector<std::string> CalendarDirectory::names() {
+void ItemDirectory::make() {
+    makePrivateDirectories(directory_);
+    open();
+}
+
+std::vector<std::string> ItemDirectory::names() {
+    if (stamp() == FileStamp{}) {
+        opened_ = {};
+        return {};
+    }
     open();
     std::vector<std::string> names;
     try {
         opened_.eachEntry([&](const char* name, unsigned char kind) {
             const bool wanted =
-                isCalendarName(name) &&
+                isItemName(name) &&
                 (kind == DT_REG || ((kind == DT_LNK || kind == DT_UNKNOWN) && staysInside(name)));
             if (wanted) {
                 names.emplace_back(name);
@@ -111,7 +125,7 @@ std::vector<std::string> CalendarDirectory::names() {
     return names;
 }
 
-bool CalendarDirectory::staysInside(const std::string& name) const {
+bool ItemDirectory::staysInside(const std::string& name) const {
     std::error_code error;
     const fs::path target = fs::canonical(directory_ / name, error);
     if (error || !fs::is_regular_file(target, error)) {
@@ -121,7 +135,7 @@ bool CalendarDirectory::staysInside(const std::string& name) const {
            isWithin(target, fs::weakly_canonical(directory_, error));
 }
 
-fs::path CalendarDirectory::pathOf(const std::string& name) const {
+fs::path ItemDirectory::pathOf(const std::string& name) const {
     fs::path path = directory_ / name;
     std::error_code error;
     if (fs::is_symlink(path, error)) {
@@ -131,7 +145,7 @@ fs::path CalendarDirectory::pathOf(const std::string& name) const {
     return path;
 }
 
-std::optional<FileStamp> CalendarDirectory::stampOf(const std::string& name) const {
+std::optional<FileStamp> ItemDirectory::stampOf(const std::string& name) const {
     struct stat facts {};
 
     if (::fstatat(opened_.descriptor(), name.c_str(), &facts, 0) == 0) {
@@ -143,8 +157,8 @@ std::optional<FileStamp> CalendarDirectory::stampOf(const std::string& name) con
     refuse(errno, directory_ / name, label(name));
 }
 
-CalendarDirectory::Outcome CalendarDirectory::read(const std::string& name, std::string& bytes,
-                                                   FileStamp& stamp) const {
+ItemDirectory::Outcome ItemDirectory::read(const std::string& name, std::string& bytes,
+                                           FileStamp& stamp) const {
     constexpr int kFlags = O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
     Descriptor opened(uninterrupted(
         [&] { return ::openat(opened_.descriptor(), name.c_str(), kFlags | O_NOFOLLOW); }));
