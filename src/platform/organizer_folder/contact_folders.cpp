@@ -13,6 +13,8 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr int kContactFolder = 2;
+// The folder that is preferred, and the one that is made where there is none.
+constexpr TextView kFirstFolder = u"Kontakte";
 constexpr std::size_t kStoreIdLength = 100;
 // Deeper nesting is nobody's address book.
 constexpr int kDeepest = 32;
@@ -109,6 +111,19 @@ std::vector<FolderRecord> ContactFolders::below(const fs::path& directory,
 }
 
 std::vector<FolderRecord> ContactFolders::tree() const {
+    std::vector<FolderRecord> folders = stored();
+    if (folders.empty()) {
+        folders.push_back({displayName(canonicalOf(root_)),
+                           Text(kFirstFolder),
+                           Text(kFirstFolder),
+                           storeID_,
+                           kContactFolder,
+                           {}});
+    }
+    return folders;
+}
+
+std::vector<FolderRecord> ContactFolders::stored() const {
     std::error_code error;
     if (fs::status(directory_, error).type() == fs::file_type::not_found) {
         return {};
@@ -118,11 +133,8 @@ std::vector<FolderRecord> ContactFolders::tree() const {
 
 FolderRecord ContactFolders::defaultFolder() const {
     const std::vector<FolderRecord> folders = tree();
-    if (folders.empty()) {
-        throw folderFailure(u"There is no contact folder in " + fromUtf8(directory_.string()));
-    }
     for (const FolderRecord& folder : folders) {
-        if (folder.EntryID == u"Kontakte") {
+        if (folder.EntryID == kFirstFolder) {
             return folder;
         }
     }
@@ -131,7 +143,7 @@ FolderRecord ContactFolders::defaultFolder() const {
 
 FolderRecord ContactFolders::folder(TextView entryID, TextView storeID) const {
     const std::vector<FolderRecord> folders = tree();
-    const FolderRecord* found = storeID == storeID_ ? folderWith(folders, entryID) : nullptr;
+    const FolderRecord* found = isHere(storeID) ? folderWith(folders, entryID) : nullptr;
     if (found == nullptr) {
         throw folderFailure(u"There is no contact folder \"" + Text(entryID) + u"\".");
     }

@@ -15,16 +15,23 @@ class ContactFolders {
 public:
     ContactFolders(const std::filesystem::path& root, const std::filesystem::path& directory);
 
-    /// The top folders with all below them, by name; empty without a contacts directory. Names come
-    /// from a file `displayname` in the folder, else from the directory; EntryID is the path below
-    /// the contacts directory. Throws Failure -1987.
+    /// The top folders with all below them, by name; where there is none, `Kontakte`, which the
+    /// first contact makes. Names come from a file `displayname` in the folder, else from the
+    /// directory; EntryID is the path below the contacts directory. Throws Failure -1987.
     [[nodiscard]] std::vector<FolderRecord> tree() const;
-    /// `Kontakte`, else the first top folder by name. Throws Failure -1987 when there is none.
+    /// `Kontakte`, else the first top folder by name. Throws Failure -1987.
     [[nodiscard]] FolderRecord defaultFolder() const;
     /// Throws Failure -1987 when there is no such folder.
     [[nodiscard]] FolderRecord folder(TextView entryID, TextView storeID) const;
 
+    /// No folder is there yet. Throws Failure -1987.
+    [[nodiscard]] bool isEmpty() const { return stored().empty(); }
+
+    /// The identifier is the one of this store.
+    [[nodiscard]] bool isHere(TextView storeID) const { return storeID == storeID_; }
+
 private:
+    [[nodiscard]] std::vector<FolderRecord> stored() const;
     [[nodiscard]] std::vector<FolderRecord> below(const std::filesystem::path& directory,
                                                   const std::string& entryID, const Text& parent,
                                                   int depth) const;

@@ -1,6 +1,7 @@
 #include "platform/organizer_folder/content_lines.h"
 
 #include <algorithm>
+#include <optional>
 
 namespace tandolin::ical {
 
@@ -22,19 +23,47 @@ std::string_view withoutLineEnd(std::string_view raw) {
     return raw;
 }
 
-std::string unfolded(std::string_view raw) {
+/// Without folds and, in quoted printable, soft breaks.
+std::string unfolded(std::string_view raw, bool quoted) {
     std::string text;
     text.reserve(raw.size());
-    bool first = true;
+    bool whole = true;
     while (!raw.empty()) {
         const std::size_t end = std::min(raw.find('\n'), raw.size() - 1) + 1;
-        const std::string_view piece = withoutLineEnd(raw.substr(0, end));
-        // The one blank or tab behind a break belongs to the fold.
-        text += first ? piece : piece.substr(1);
-        first = false;
+        std::string_view piece = withoutLineEnd(raw.substr(0, end));
+        // The one blank or tab behind a break belongs to the fold; a soft break has none.
+        piece.remove_prefix(whole ? 0 : 1);
         raw.remove_prefix(end);
+        whole = quoted && piece.ends_with('=');
+        piece.remove_suffix(whole ? 1 : 0);
+        text += piece;
     }
     return text;
+}
+
+bool saysQuotedPrintable(std::string_view line) {
+    constexpr std::string_view kWord = "QUOTED-PRINTABLE";
+    const std::string_view head = propertyHead(line);
+    for (std::size_t at = head.find(';'); at != std::string_view::npos; at = head.find(';', at)) {
+        ++at;
+        const std::string_view one = head.substr(at, head.find(';', at) - at);
+        if (one.size() >= kWord.size() && sameName(one.substr(one.size() - kWord.size()), kWord)) {
+            return head.size() < line.size();
+        }
+    }
+    return false;
+}
+
+std::string softlyBroken(std::string_view text, std::string_view lineEnd) {
+    std::string result;
+    while (text.size() > kFoldAt) {
+        std::size_t cut = kFoldAt - 1;
+        const std::size_t sign = text.find('=', cut - 2);
+        cut = sign < cut ? sign : cut; // a byte in hexadecimal stays whole
+        result.append(text.substr(0, cut)).append("=").append(lineEnd);
+        text.remove_prefix(cut);
+    }
+    return result.append(text).append(lineEnd);
 }
 
 bool startsWithName(std::string_view text, std::string_view name) {
@@ -138,7 +167,8 @@ std::string foldedLines(std::string_view texts, std::string_view lineEnd) {
     return result;
 }
 
-void ContentLines::assign(std::string_view bytes) {
+void ContentLines::assign(std::string_view bytes, Layout layout) {
+    layout_ = layout;
     lines_.clear();
     texts_.clear();
     const std::size_t firstBreak = bytes.find('\n');
@@ -148,25 +178,35 @@ void ContentLines::assign(std::string_view bytes) {
     std::size_t begin = 0;
     while (begin < bytes.size()) {
         std::size_t end = begin;
-        bool folded = false;
+        bool broken = false;
+        std::optional<bool> quoted;
         for (;;) {
+            const std::size_t start = end;
             const std::size_t found = bytes.find('\n', end);
             end = found == std::string_view::npos ? bytes.size() : found + 1;
-            const bool goesOn = end < bytes.size() && (bytes[end] == ' ' || bytes[end] == '\t');
-            if (!goesOn) {
+            const std::string_view piece = withoutLineEnd(bytes.substr(start, end - start));
+            bool soft = layout == Layout::cards && piece.ends_with('=');
+            if (soft && !quoted) {
+                quoted = saysQuotedPrintable(withoutLineEnd(bytes.substr(begin, end - begin)));
+            }
+            // A soft break in front of the end of the card is a mistake of its writer.
+            soft = soft && *quoted && !startsWithName(bytes.substr(end), "END:VCARD");
+            const bool fold = end < bytes.size() && (bytes[end] == ' ' || bytes[end] == '\t');
+            if (end == bytes.size() || !(fold || soft)) {
                 break;
             }
-            folded = true;
+            broken = true;
         }
-        addLine(bytes.substr(begin, end - begin), folded);
+        addLine(bytes.substr(begin, end - begin), broken, quoted.value_or(false));
         begin = end;
     }
     readStructure();
 }
 
-void ContentLines::addLine(std::string_view raw, bool folded) {
+void ContentLines::addLine(std::string_view raw, bool broken, bool quoted) {
     ContentLine line{raw, {}, -1};
-    line.text = folded ? std::string_view(texts_.emplace_back(unfolded(raw))) : withoutLineEnd(raw);
+    line.text =
+        broken ? std::string_view(texts_.emplace_back(unfolded(raw, quoted))) : withoutLineEnd(raw);
     if (lines_.empty() && line.text.starts_with(kByteOrderMark)) {
         line.text.remove_prefix(kByteOrderMark.size());
     }
@@ -177,13 +217,14 @@ void ContentLines::readStructure() {
     components_.clear();
     problem_ = nullptr;
     int open = -1;
-    bool calendar = false;
+    const std::string_view outer = layout_ == Layout::cards ? "VCARD" : "VCALENDAR";
+    bool found = false;
     for (std::size_t i = 0; i < lines_.size(); ++i) {
         const std::string_view text = lines_[i].text;
         lines_[i].component = open;
         if (startsWithName(text, "BEGIN:")) {
             const std::string_view kind = withoutBlanks(text.substr(6));
-            calendar = calendar || (open < 0 && sameName(kind, "VCALENDAR"));
+            found = found || (open < 0 && sameName(kind, outer));
             components_.push_back({kind, i, i, open});
             open = static_cast<int>(components_.size()) - 1;
             lines_[i].component = open;
@@ -200,8 +241,9 @@ void ContentLines::readStructure() {
     }
     if (lines_.empty()) {
         problem_ = "the file is empty";
-    } else if (!calendar) {
-        problem_ = "the file holds no calendar";
+    } else if (!found) {
+        problem_ =
+            layout_ == Layout::cards ? "the file holds no card" : "the file holds no calendar";
     } else if (open >= 0) {
         problem_ = "the file ends within a component";
     }
@@ -225,19 +267,22 @@ std::string_view ContentLines::value(int component, std::string_view name) const
     return line == kNoLine ? std::string_view{} : propertyValue(lines_[line].text);
 }
 
-ContentLine ContentLines::made(std::string_view text) {
-    const std::string& unfoldedText = texts_.emplace_back(text);
-    const std::string& raw = texts_.emplace_back(foldedLine(unfoldedText, lineEnd_));
-    return {raw, unfoldedText, -1};
+ContentLine ContentLines::made(std::string_view text, Fold fold) {
+    const std::string& whole = texts_.emplace_back(text);
+    const std::string& raw =
+        texts_.emplace_back(fold == Fold::blank       ? foldedLine(whole, lineEnd_)
+                            : fold == Fold::softBreak ? softlyBroken(whole, lineEnd_)
+                                                      : std::string(whole).append(lineEnd_));
+    return {raw, whole, -1};
 }
 
-void ContentLines::replaceLine(std::size_t line, std::string_view text) {
-    lines_[line] = made(text);
+void ContentLines::replaceLine(std::size_t line, std::string_view text, Fold fold) {
+    lines_[line] = made(text, fold);
     readStructure();
 }
 
-void ContentLines::insertLine(std::size_t before, std::string_view text) {
-    lines_.insert(lines_.begin() + static_cast<std::ptrdiff_t>(before), made(text));
+void ContentLines::insertLine(std::size_t before, std::string_view text, Fold fold) {
+    lines_.insert(lines_.begin() + static_cast<std::ptrdiff_t>(before), made(text, fold));
     readStructure();
 }
 
@@ -245,7 +290,7 @@ void ContentLines::insertLines(std::size_t before, std::string_view texts) {
     while (!texts.empty()) {
         const std::size_t end = std::min(texts.find('\n'), texts.size());
         lines_.insert(lines_.begin() + static_cast<std::ptrdiff_t>(before++),
-                      made(texts.substr(0, end)));
+                      made(texts.substr(0, end), Fold::blank));
         texts.remove_prefix(std::min(end + 1, texts.size()));
     }
     readStructure();

@@ -1,11 +1,14 @@
 #pragma once
 
-// A calendar file as its content lines. Every line keeps its raw bytes, folds and line end
-// included, so that writing back changes nothing but the lines that were replaced: the library for
-// calendars drops escapes and unknown properties when it prints, and other programs' data would be
-// lost.
+// A calendar file or a file of cards as its content lines. Every line keeps its raw bytes, folds
+// and line end included, so that writing back changes nothing but the lines that were replaced: the
+// library for calendars drops escapes and unknown properties when it prints, and other programs'
+// data would be lost.
 //
 //     "SUMMARY:Zahn\r\n  arzt\r\n"  is one line: raw as it stands, text "SUMMARY:Zahn arzt"
+//
+// In cards a value in quoted printable goes on behind a "=" at the end of a line; such soft breaks
+// belong to the logical line and are no part of its text, just like folds.
 
 #include <cstddef>
 #include <deque>
@@ -63,21 +66,29 @@ std::string foldedLine(std::string_view text, std::string_view lineEnd);
 /// Several lines, each ended by LF in `texts`, as they go into a file.
 std::string foldedLines(std::string_view texts, std::string_view lineEnd);
 
+/// What a file of content lines holds.
+enum class Layout { calendar, cards };
+
+/// How a line that is put in is broken where it is long.
+enum class Fold { blank, softBreak, none };
+
 class ContentLines {
 public:
     ContentLines() = default;
 
     /// The bytes are not copied and must outlive the object.
-    explicit ContentLines(std::string_view bytes) { assign(bytes); }
+    explicit ContentLines(std::string_view bytes, Layout layout = Layout::calendar) {
+        assign(bytes, layout);
+    }
 
     ContentLines(const ContentLines&) = delete;
     ContentLines& operator=(const ContentLines&) = delete;
     ~ContentLines() = default;
 
     /// Starts over with other bytes; memory is kept for the next file.
-    void assign(std::string_view bytes);
+    void assign(std::string_view bytes, Layout layout = Layout::calendar);
 
-    /// Why the lines are no calendar, null when they are one.
+    /// Why the lines are no calendar or cards, null when they are.
     [[nodiscard]] const char* problem() const { return problem_; }
 
     [[nodiscard]] const std::vector<ContentLine>& lines() const { return lines_; }
@@ -93,8 +104,8 @@ public:
     [[nodiscard]] std::string_view textAt(std::size_t line) const { return lines_[line].text; }
 
     // Changes. Indexes and component numbers from before a change are stale behind it.
-    void replaceLine(std::size_t line, std::string_view text);
-    void insertLine(std::size_t before, std::string_view text);
+    void replaceLine(std::size_t line, std::string_view text, Fold fold = Fold::blank);
+    void insertLine(std::size_t before, std::string_view text, Fold fold = Fold::blank);
     /// Several lines at once, each ended by LF in `texts`.
     void insertLines(std::size_t before, std::string_view texts);
     void removeLines(std::size_t first, std::size_t last);
@@ -105,14 +116,15 @@ public:
     [[nodiscard]] std::string_view lineEnd() const { return lineEnd_; }
 
 private:
-    void addLine(std::string_view raw, bool folded);
+    void addLine(std::string_view raw, bool broken, bool quoted);
     void readStructure();
-    ContentLine made(std::string_view text);
+    ContentLine made(std::string_view text, Fold fold);
 
     std::vector<ContentLine> lines_;
     std::vector<Component> components_;
     std::deque<std::string> texts_; ///< unfolded and new lines; a deque keeps them in place
     std::string_view lineEnd_ = "\r\n";
+    Layout layout_ = Layout::calendar;
     const char* problem_ = nullptr;
 };
 

@@ -2,6 +2,7 @@
 
 #include "core/failure.h"
 #include "platform/organizer_folder/folder_calendar.h"
+#include "platform/organizer_folder/folder_contacts.h"
 
 namespace tandolin::platform {
 
@@ -10,15 +11,20 @@ FolderOrganizer::FolderOrganizer(FolderOrganizerOptions options, const Clock& cl
 
 FolderOrganizer::~FolderOrganizer() = default;
 
+ical::Zones& FolderOrganizer::zones() {
+    if (!zones_) {
+        zones_ = std::make_unique<ical::Zones>(options_.localZone.empty() ? ical::localZoneName()
+                                                                          : options_.localZone);
+    }
+    return *zones_;
+}
+
 CalendarFolder& FolderOrganizer::GetDefaultCalendarFolder() {
     if (!calendar_) {
-        auto zones = std::make_unique<ical::Zones>(
-            options_.localZone.empty() ? ical::localZoneName() : options_.localZone);
         auto calendar = std::make_unique<FolderCalendar>(
-            ItemDirectory(options_.root, options_.calendarDir, ".ics"), *zones, clock_,
+            ItemDirectory(options_.root, options_.calendarDir, ".ics"), zones(), clock_,
             options_.dryRun, options_.changes);
         calendar->opened();
-        zones_ = std::move(zones);
         calendar_ = std::move(calendar);
     } else {
         calendar_->opened();
@@ -27,16 +33,39 @@ CalendarFolder& FolderOrganizer::GetDefaultCalendarFolder() {
 }
 
 ContactFolder& FolderOrganizer::GetContactItems(const FolderRecord& folder) {
-    throw Failure(failure_number::kOrganizer, u"Cards are not read yet: " + folder.Name);
+    const auto known = contactItems_.find(folder.EntryID);
+    if (known != contactItems_.end() && contacts_.isHere(folder.StoreID)) {
+        known->second->files().checkOpen();
+        return *known->second;
+    }
+    // Only a folder of the tree: the identifier is a path, and may come from the settings.
+    const Text entryID = contacts_.folder(folder.EntryID, folder.StoreID).EntryID;
+    const std::string path = toUtf8(entryID);
+    auto items = std::make_unique<FolderContacts>(
+        ItemDirectory(options_.root, options_.contactsDir / path, ".vcf",
+                      contacts_.isEmpty() ? Missing::isEmpty : Missing::fails),
+        Writing{options_.dryRun, options_.changes, "contacts/" + path + '/'}, zones().local(),
+        clock_);
+    items->files().checkOpen();
+    return *contactItems_.emplace(entryID, std::move(items)).first->second;
 }
 
 std::vector<UnreadableItem> FolderOrganizer::unreadable() const {
-    return calendar_ ? calendar_->files().unreadable() : std::vector<UnreadableItem>{};
+    auto all = calendar_ ? calendar_->files().unreadable() : std::vector<UnreadableItem>{};
+    for (const auto& [entryID, contacts] : contactItems_) {
+        for (UnreadableItem& item : contacts->files().unreadable()) {
+            all.push_back(std::move(item));
+        }
+    }
+    return all;
 }
 
 void FolderOrganizer::flush() {
     if (calendar_) {
         calendar_->files().flush();
+    }
+    for (const auto& [entryID, contacts] : contactItems_) {
+        contacts->files().flush();
     }
 }
 

@@ -12,6 +12,7 @@
 #include "platform/organizer_folder/zones.h"
 
 #include <filesystem>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -19,6 +20,7 @@
 namespace tandolin::platform {
 
 class FolderCalendar;
+class FolderContacts;
 
 /// Where the folders are. The two directories are relative to the root, or absolute.
 struct FolderOrganizerOptions {
@@ -59,11 +61,14 @@ public:
     void flush() override;
 
 private:
+    ical::Zones& zones();
+
     FolderOrganizerOptions options_;
     const Clock& clock_;
     ContactFolders contacts_;
     std::unique_ptr<ical::Zones> zones_;
     std::unique_ptr<FolderCalendar> calendar_;
+    std::map<Text, std::unique_ptr<FolderContacts>> contactItems_; ///< by EntryID
 };
 
 } // namespace tandolin::platform

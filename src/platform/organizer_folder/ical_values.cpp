@@ -203,7 +203,15 @@ std::string textOf(std::string_view escaped) {
             plain.append({'\\', next});
         }
     }
-    return isUtf8(plain) ? plain : toUtf8(fromWindows1252(plain));
+    return isUtf8(plain) ? plain : utf8OfWindows1252(plain);
+}
+
+std::string utf8Of(std::string_view bytes) {
+    return isUtf8(bytes) ? std::string(bytes) : utf8OfWindows1252(bytes);
+}
+
+std::string utf8OfWindows1252(std::string_view bytes) {
+    return toUtf8(fromWindows1252(bytes));
 }
 
 std::string escapedText(TextView text) {

@@ -39,6 +39,11 @@ std::optional<int> wholeNumberOf(std::string_view text, int least, int most);
 /// page of the programs that still write such files.
 std::string textOf(std::string_view escaped);
 
+/// Bytes that mean a text, in UTF-8: those that are none are Windows-1252, as above.
+std::string utf8Of(std::string_view bytes);
+/// Bytes in Windows-1252 in UTF-8.
+std::string utf8OfWindows1252(std::string_view bytes);
+
 /// A text with its escapes, in UTF-8, on one line.
 std::string escapedText(TextView text);
 
