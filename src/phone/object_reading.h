@@ -14,7 +14,7 @@ namespace tandolin {
 struct ObjectKind {
     StoreDirectory store;
     TextView extension;
-    TextView begin; ///< the first line of an object and its last
+    TextView begin; ///< what an object that was read whole holds, if it holds the first
     TextView end;
     TextView between; ///< stands between running number and count in the progress
     TextView entries; ///< in messages
@@ -27,7 +27,7 @@ inline constexpr ObjectKind kCalendarObjects{
     StoreDirectory::calendar, u".vcs", u"BEGIN:VCALENDAR", u"END:VCALENDAR",
     u" / ", u"calendar entries", true};
 inline constexpr ObjectKind kContactObjects{
-    StoreDirectory::contacts, u".vcf", u"BEGIN:VCARD", u"END:VCARD",
+    StoreDirectory::contacts, u".vcf", u"BEGIN:VCARD", u"\nEND:",
     u"/", u"contacts", false};
 
 // clang-format on
