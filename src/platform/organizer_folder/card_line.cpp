@@ -143,6 +143,13 @@ std::string unescaped(std::string_view piece, Version version) {
     return plain;
 }
 
+void refuseUnknownCharset(std::string_view bytes, const Marks& marks) {
+    if (charsetOf(marks.charset) == Charset::unknown &&
+        (hidesInAscii(marks.charset) || std::ranges::any_of(bytes, isHigh))) {
+        throw ical::Unreadable{"the character set " + std::string(marks.charset) + " is not read"};
+    }
+}
+
 /// The bytes behind escapes and encoding.
 std::string bytesOf(std::string_view piece, const Marks& marks, Version version) {
     std::string bytes = unescaped(piece, version);
@@ -155,7 +162,9 @@ bool isWindows(std::string_view bytes, const Marks& marks) {
 
 /// A piece that is kept, with its characters in UTF-8; escapes and encoding stay.
 std::string keptInUtf8(const std::string& piece, const Marks& marks, Version version) {
-    if (!isWindows(bytesOf(piece, marks, version), marks)) {
+    const std::string bytes = bytesOf(piece, marks, version);
+    refuseUnknownCharset(bytes, marks);
+    if (!isWindows(bytes, marks)) {
         return piece;
     }
     std::string result;
@@ -289,13 +298,10 @@ std::string textOf(std::string_view piece, const Marks& marks, Version version) 
         throw ical::Unreadable{"a text is written in base64, which is not read"};
     }
     const std::string bytes = bytesOf(piece, marks, version);
-    const Charset charset = charsetOf(marks.charset);
-    if (charset == Charset::unknown &&
-        (hidesInAscii(marks.charset) || std::ranges::any_of(bytes, isHigh))) {
-        throw ical::Unreadable{"the character set " + std::string(marks.charset) + " is not read"};
-    }
-    const std::string text =
-        charset == Charset::windows ? ical::utf8OfWindows1252(bytes) : ical::utf8Of(bytes);
+    refuseUnknownCharset(bytes, marks);
+    const std::string text = charsetOf(marks.charset) == Charset::windows
+                                 ? ical::utf8OfWindows1252(bytes)
+                                 : ical::utf8Of(bytes);
     return plainText(text);
 }
 

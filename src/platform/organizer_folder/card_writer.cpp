@@ -75,6 +75,12 @@ std::vector<Piece> keptPieces(std::string_view value, char separator, std::size_
     for (const std::string_view one : partsOf(value, separator)) {
         pieces.push_back({std::string(one), false});
     }
+    // A backslash at the very end would escape the separator that comes behind it now.
+    std::string& last = pieces.back().bytes;
+    const std::size_t slashes = last.size() - (last.find_last_not_of('\\') + 1);
+    if (pieces.size() < atLeast && slashes % 2 == 1) {
+        last += '\\';
+    }
     pieces.resize(std::max(pieces.size(), atLeast));
     return pieces;
 }

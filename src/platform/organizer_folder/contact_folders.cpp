@@ -88,9 +88,10 @@ std::vector<FolderRecord> ContactFolders::below(const fs::path& directory,
     for (; entries != fs::directory_iterator(); entries.increment(error)) {
         const std::string name = entries->path().filename().string();
         std::error_code ignored;
-        // A link leads out of the tree, or back into it: a second time, or for ever.
-        if (name.front() == '.' || name.back() == '~' || entries->is_symlink(ignored) ||
-            !entries->is_directory(ignored) || depth >= kDeepest) {
+        // A link leads out of the tree, or back into it: a second time, or for ever. A name that no
+        // text can hold could not be found again.
+        if (name.front() == '.' || !isUtf8(name) || name.back() == '~' ||
+            entries->is_symlink(ignored) || !entries->is_directory(ignored) || depth >= kDeepest) {
             continue;
         }
         const std::string id = entryID.empty() ? name : entryID + '/' + name;

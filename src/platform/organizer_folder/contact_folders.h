@@ -24,14 +24,13 @@ public:
     /// Throws Failure -1987 when there is no such folder.
     [[nodiscard]] FolderRecord folder(TextView entryID, TextView storeID) const;
 
-    /// No folder is there yet. Throws Failure -1987.
-    [[nodiscard]] bool isEmpty() const { return stored().empty(); }
+    /// The same without a folder that is still to be made.
+    [[nodiscard]] std::vector<FolderRecord> stored() const;
 
     /// The identifier is the one of this store.
     [[nodiscard]] bool isHere(TextView storeID) const { return storeID == storeID_; }
 
 private:
-    [[nodiscard]] std::vector<FolderRecord> stored() const;
     [[nodiscard]] std::vector<FolderRecord> below(const std::filesystem::path& directory,
                                                   const std::string& entryID, const Text& parent,
                                                   int depth) const;

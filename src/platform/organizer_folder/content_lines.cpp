@@ -54,14 +54,17 @@ bool saysQuotedPrintable(std::string_view line) {
     return false;
 }
 
+/// Only the value is broken: what stands before it tells readers that it is quoted.
 std::string softlyBroken(std::string_view text, std::string_view lineEnd) {
     std::string result;
-    while (text.size() > kFoldAt) {
-        std::size_t cut = kFoldAt - 1;
-        const std::size_t sign = text.find('=', cut - 2);
-        cut = sign < cut ? sign : cut; // a byte in hexadecimal stays whole
+    std::size_t least = propertyHead(text).size() + 1;
+    while (text.size() > std::max(kFoldAt, least)) {
+        const std::size_t room = std::max(kFoldAt - 1, least);
+        // A byte in hexadecimal stays whole.
+        const std::size_t cut = std::min(text.find('=', std::max(room - 2, least)), room);
         result.append(text.substr(0, cut)).append("=").append(lineEnd);
         text.remove_prefix(cut);
+        least = 0;
     }
     return result.append(text).append(lineEnd);
 }

@@ -31,31 +31,6 @@ Failure changedMeanwhile() {
             u"Another program has changed the item in the meantime. It was left as it is."};
 }
 
-bool isCardName(const std::string& name) {
-    return name.size() > 4 && sameText(fromUtf8(name.substr(name.size() - 4)), u".vcf");
-}
-
-/// Cards of all folders; links and hidden names are passed over, as everywhere in the organizer.
-void addCards(const fs::path& directory, std::vector<std::string>& names) {
-    std::error_code error;
-    if (fs::status(directory, error).type() == fs::file_type::not_found) {
-        return;
-    }
-    fs::recursive_directory_iterator entry(directory, error);
-    for (; !error && entry != fs::recursive_directory_iterator(); entry.increment(error)) {
-        const std::string name = entry->path().filename().native();
-        if (name.front() == '.') {
-            entry.disable_recursion_pending();
-        } else if (entry->symlink_status().type() == fs::file_type::regular && isCardName(name)) {
-            names.push_back(std::string(kContacts) +
-                            entry->path().lexically_relative(directory).native());
-        }
-    }
-    if (error) {
-        throw failureOfErrno(error.value(), directory, u"cannot read");
-    }
-}
-
 } // namespace
 
 std::vector<std::string> FolderFiles::entries(EntryKinds kinds) {
@@ -68,10 +43,27 @@ std::vector<std::string> FolderFiles::entries(EntryKinds kinds) {
         }
     }
     if (kinds.contacts) {
-        addCards(contacts(), names);
+        addCards({}, names);
+        addCardsOf(ContactFolders(options_.root, options_.contactsDir).stored(), names);
         std::ranges::sort(names);
     }
     return names;
+}
+
+void FolderFiles::addCardsOf(const std::vector<FolderRecord>& folders,
+                             std::vector<std::string>& names) const {
+    for (const FolderRecord& folder : folders) {
+        addCards(toUtf8(folder.EntryID), names);
+        addCardsOf(folder.Folders, names);
+    }
+}
+
+void FolderFiles::addCards(const fs::path& folder, std::vector<std::string>& names) const {
+    ItemDirectory directory(options_.root, options_.contactsDir / folder, ".vcf",
+                            folder.empty() ? Missing::isEmpty : Missing::fails);
+    for (const std::string& name : directory.names()) {
+        names.push_back(std::string(kContacts) + (folder / name).native());
+    }
 }
 
 FolderFiles::Place FolderFiles::placeOf(const std::string& name) const {
@@ -143,7 +135,7 @@ void FolderFiles::write(const std::string& name, std::string_view bytes) {
         }
     });
     seen_.erase(name);
-    changed_ = place.directory;
+    changed_.insert(place.directory);
 }
 
 void FolderFiles::remove(const std::string& name) {
@@ -156,14 +148,16 @@ void FolderFiles::remove(const std::string& name) {
         }
     });
     seen_.erase(name);
-    changed_ = place.directory;
+    if (std::error_code error; fs::exists(place.directory, error)) {
+        changed_.insert(place.directory);
+    }
 }
 
 void FolderFiles::flush() {
-    if (!changed_.empty()) {
-        syncFileSystem(changed_);
-        changed_.clear();
+    for (const fs::path& directory : changed_) {
+        syncFileSystem(directory);
     }
+    changed_.clear();
 }
 
 } // namespace tandolin::platform

@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <map>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -34,6 +35,10 @@ private:
         std::filesystem::path path;
     };
 
+    void addCardsOf(const std::vector<FolderRecord>& folders,
+                    std::vector<std::string>& names) const;
+    /// The cards of one folder by its path below the contacts directory.
+    void addCards(const std::filesystem::path& folder, std::vector<std::string>& names) const;
     [[nodiscard]] Place placeOf(const std::string& name) const;
 
     [[nodiscard]] std::filesystem::path calendar() const {
@@ -50,8 +55,8 @@ private:
     FolderOrganizerOptions options_;
     /// How each entry was when it was read last; nothing where it was absent.
     std::map<std::string, std::optional<FileStamp>> seen_;
-    mutable std::filesystem::path known_; ///< the folder that was found to lie within last
-    std::filesystem::path changed_;       ///< a directory with changes that were not flushed
+    mutable std::filesystem::path known_;     ///< the folder that was found to lie within last
+    std::set<std::filesystem::path> changed_; ///< directories with changes that were not flushed
 };
 
 } // namespace tandolin::platform
