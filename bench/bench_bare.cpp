@@ -23,7 +23,8 @@
 
 namespace {
 
-constexpr const char* kFolders[] = {"/phone/telecom/cal", "/organizer/calendar"};
+constexpr const char* kFolders[] = {"/phone/telecom/cal", "/phone/telecom/pb",
+                                    "/organizer/calendar", "/organizer/contacts/Kontakte"};
 
 [[noreturn]] void stop(const std::string& what) {
     throw std::runtime_error(what + ": " + std::strerror(errno));

@@ -1,8 +1,8 @@
-// bench_world FOLDER N: a phone and an organizer with N calendar entries, half of them only on the
-// phone, half only in the organizer, and N/10 more on both; every tenth is a series. With the
-// settings of a two-way run over all dates.
+// bench_world FOLDER N calendar|contacts: a phone and an organizer with N entries, half of them
+// only on the phone, half only in the organizer, and N/10 more on both; every tenth calendar entry
+// is a series. With the settings of a two-way run over all dates.
 //
-// Example: bench_world /dev/shm/w 1000 makes phone/telecom/cal/{1..600}.vcs,
+// Example: bench_world /dev/shm/w 1000 calendar makes phone/telecom/cal/{1..600}.vcs,
 // organizer/calendar/*.ics (600 files) and settings.toml.
 
 #include <array>
@@ -140,12 +140,54 @@ private:
     int minute_ = 0;
 };
 
-void writeWorld(const fs::path& root, int n) {
-    const fs::path calendar = root / "organizer/calendar";
-    const fs::path phone = root / "phone/telecom/cal";
-    for (const fs::path& folder : {calendar, phone, root / "home"}) {
-        fs::create_directories(folder);
+/// One contact, as both sides would hold it.
+class Card {
+public:
+    Card(int index, int /*count*/) : index_(index) {}
+
+    [[nodiscard]] std::string phoneObject() const {
+        return formatted("BEGIN:VCARD\nVERSION:2.1\n"
+                         "N;CHARSET=UTF-8;ENCODING=QUOTED-PRINTABLE:M=C3=BCller %d;Anna\n"
+                         "ORG:Werk %d\nTEL;HOME:+49 30 %d\nTEL;CELL:0171 %d\nEND:VCARD\n",
+                         index_, index_ % 40, index_, index_);
     }
+
+    [[nodiscard]] std::string organizerFile() const {
+        return formatted("BEGIN:VCARD\nVERSION:3.0\nUID:%s\nN:M\xC3\xBCller %d;Anna;;;\n"
+                         "FN:Anna M\xC3\xBCller %d\nORG:Werk %d\n",
+                         uid().c_str(), index_, index_, index_ % 40) +
+               formatted("TEL;TYPE=HOME,VOICE:+49 30 %d\nTEL;TYPE=CELL:0171 %d\n"
+                         "NOTE:Raum %d\nREV:20260901T080000Z\nEND:VCARD\n",
+                         index_, index_, index_ % 40);
+    }
+
+    [[nodiscard]] std::string uid() const {
+        return formatted("00000000-0000-4000-8000-%012d", index_);
+    }
+
+private:
+    int index_;
+};
+
+/// What one kind of entries is on the disk.
+struct Places {
+    const char* phone;
+    const char* phoneExtension;
+    const char* organizer;
+    const char* organizerExtension;
+};
+
+constexpr Places kCalendar{"phone/telecom/cal", ".vcs", "organizer/calendar", ".ics"};
+constexpr Places kContacts{"phone/telecom/pb", ".vcf", "organizer/contacts/Kontakte", ".vcf"};
+
+void putCounters(const fs::path& folder, int number) {
+    put(folder / "info.log", formatted("MAXIMUM-RECORDS:32767\nTOTAL-RECORDS:%d\n"
+                                       "LAST-USED-INDEX:%d\n",
+                                       number, number));
+}
+
+template <class Entry>
+void writeEntries(const fs::path& root, const Places& places, int n) {
     const int both = n / 10;
     const int count = n + both;
     int number = 0;
@@ -155,39 +197,47 @@ void writeWorld(const fs::path& root, int n) {
         const bool onBoth = index % 11 == 0;
         const bool onPhone = onBoth || (index - index / 11) % 2 == 0;
         if (onPhone) {
-            put(phone / (std::to_string(++number) + ".vcs"), entry.phoneObject());
+            put(root / places.phone / (std::to_string(++number) + places.phoneExtension),
+                entry.phoneObject());
         }
         if (onBoth || !onPhone) {
-            put(calendar / (entry.uid() + ".ics"), entry.organizerFile());
+            put(root / places.organizer / (entry.uid() + places.organizerExtension),
+                entry.organizerFile());
         }
     }
-    put(phone / "info.log", formatted("MAXIMUM-RECORDS:32767\nTOTAL-RECORDS:%d\n"
-                                      "LAST-USED-INDEX:%d\n",
-                                      number, number));
-    // The phone book's size bounds the numbers of the calendar's objects too.
-    fs::create_directories(root / "phone/telecom/pb");
-    put(root / "phone/telecom/pb/info.log",
-        "MAXIMUM-RECORDS:32767\nTOTAL-RECORDS:0\nLAST-USED-INDEX:0\n");
+    putCounters(root / places.phone, number);
+    std::cout << "phone " << number << ", organizer " << count - number + both << ", rows " << count
+              << '\n';
+}
+
+void writeWorld(const fs::path& root, int n, bool contacts) {
+    for (const Places& places : {kCalendar, kContacts}) {
+        fs::create_directories(root / places.phone);
+        fs::create_directories(root / places.organizer);
+        putCounters(root / places.phone, 0); // the sizes of both bound the calendar's numbers
+    }
+    fs::create_directories(root / "home");
+    contacts ? writeEntries<Card>(root, kContacts, n) : writeEntries<Entry>(root, kCalendar, n);
     put(root / "phone/telecom/devinfo.txt", "MANU:EXAMPLE\nMOD:X1\nSW-VERSION:1.0\n");
     std::ofstream(root / "settings.toml")
         << "[Software.Halvern.HalvernTandolin.Settings]\nSyncTyp = 4\nSyncTermine = 32\n"
            "SyncZeitraum = 3\nSyncEintraegevonbis = \"2027-01-01\\t2027-12-31 23:59:59\"\n";
-    std::cout << "phone " << number << ", organizer " << count - number + both << ", rows " << count
-              << '\n';
 }
 
 } // namespace
 
 int main(int argc, char** argv) {
     int n = 0;
-    const std::string_view size = argc == 3 ? argv[2] : "";
+    const std::string_view size = argc == 4 ? argv[2] : "";
+    const std::string_view kind = argc == 4 ? argv[3] : "";
     const auto [end, error] = std::from_chars(size.data(), size.data() + size.size(), n);
-    if (error != std::errc() || end != size.data() + size.size() || n < 10) {
-        std::cerr << "bench_world FOLDER N (at least 10)\n";
+    if (error != std::errc() || end != size.data() + size.size() || n < 10 ||
+        (kind != "calendar" && kind != "contacts")) {
+        std::cerr << "bench_world FOLDER N (at least 10) calendar|contacts\n";
         return 2;
     }
     try {
-        writeWorld(argv[1], n);
+        writeWorld(argv[1], n, kind == "contacts");
     } catch (const std::exception& failure) {
         std::cerr << failure.what() << '\n';
         return 1;

@@ -21,7 +21,9 @@ struct Component {
 
 /// A value that goes out without a charset, on one line.
 Text plain(TextView value) {
-    return SplittStreet(value);
+    Text line = SplittStreet(value);
+    std::ranges::replace(line, u'\r', u' ');
+    return line;
 }
 
 /// The line of components of which some may be encoded; none where all are empty. A "=" in any of

@@ -65,14 +65,33 @@ bool isAscii(TextView text) {
     return std::ranges::all_of(text, [](char16_t c) { return c < 0x80; });
 }
 
+/// Does every byte that begins a sequence have all of it behind it? A byte that only goes on with
+/// one, without a beginning, stands for itself.
+bool sequencesAreWhole(std::string_view bytes) {
+    constexpr auto kGoesOn = [](char c) {
+        return (static_cast<unsigned char>(c) & 0xC0U) == 0x80U;
+    };
+    for (std::size_t i = 0; i < bytes.size();) {
+        const auto count =
+            static_cast<std::size_t>(CheckUTF8ByteCount(static_cast<std::uint8_t>(bytes[i])));
+        const std::size_t length = std::max<std::size_t>(count, 1);
+        if (count > 6 || length > bytes.size() - i ||
+            !std::ranges::all_of(bytes.substr(i + 1, length - 1), kGoesOn)) {
+            return false;
+        }
+        i += length;
+    }
+    return true;
+}
+
 /// The bytes that a value of the charset UTF-8 stands for. A letter that is not encoded is the byte
 /// of its ANSI code. Where that makes no UTF-8 and the object was UTF-8 as a whole, such a letter
 /// stands for itself; in an object of the code page it contradicts the charset, and to read it and
 /// its neighbours as one sequence would make another letter of them.
 std::string utf8BytesOf(TextView value, bool codePage) {
     if (codePage && !isAscii(value)) {
-        const std::string bytes = unquoted(bytesOfText(value));
-        if (!isUtf8(bytes)) {
+        std::string bytes = unquoted(bytesOfText(value));
+        if (!sequencesAreWhole(bytes)) {
             throw badByteCount(u"encodeString");
         }
         return bytes;

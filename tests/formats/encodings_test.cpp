@@ -99,6 +99,7 @@ TEST_CASE("a bare letter in an object of the code page contradicts the charset")
              {"at the end", u"Caf\u00E9", u""},
              {"without anything encoded", u"\u00FCber", u""},
              {"two that are one letter of UTF-8", u"\u00C3\u00A4=C3=B6", u"äö"},
+             {"one that only goes on with a letter", u"=C3=A4\u00B0", u"ä°"},
              {"none", u"=C3=A4", u"ä"},
          })) {
         CAPTURE(c.name);

@@ -29,6 +29,8 @@ constexpr std::size_t kLargestObject = 16U << 20U;
 /// By its content, or else by its name.
 bool isCard(const std::string& file, std::string_view bytes) {
     constexpr TextView kBegin = u"BEGIN:VCARD";
+    constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+    bytes.remove_prefix(bytes.starts_with(kByteOrderMark) ? kByteOrderMark.size() : 0);
     const std::string_view ending =
         std::string_view(file).substr(file.size() - std::min<std::size_t>(file.size(), 4));
     return sameText(fromUtf8(bytes.substr(0, kBegin.size())), kBegin) ||
