@@ -110,6 +110,17 @@ void cutFrame(Table<Calendar>& table, const TakenItems& taken) {
     }
 }
 
+void countItems(Table<Calendar>& table) {
+    app.organizer.vCalPIMCount = static_cast<std::int32_t>(table.countTrue(cal::PIM));
+}
+
+/// The next read would take the items of a failed one a second time.
+void takeHalfReadOut(Table<Calendar>& table) {
+    ClearOutlookFromGrid(table, true);
+    countItems(table);
+    app.organizer.vCalPIMRead = flagOf(app.organizer.vCalPIMCount > 0);
+}
+
 bool readCalendar(Table<Calendar>& table, StartRange range, Place place) {
     return trapped(place, false, [&](bool& result) {
         if (!app.organizer.OrganizerPresent || app.organizer.MOL == nullptr) {
@@ -119,9 +130,15 @@ bool readCalendar(Table<Calendar>& table, StartRange range, Place place) {
             ClearOutlookFromGrid(table, true);
         }
         app.status.SetText(tr(ids::kSearchOrganizer));
-        const TakenItems taken = readItems(table, range);
-        noteUnreadable(place);
-        app.organizer.vCalPIMCount = static_cast<std::int32_t>(table.countTrue(cal::PIM));
+        TakenItems taken;
+        if (const auto failure = attempt([&] {
+                taken = readItems(table, range);
+                noteUnreadable(place);
+            })) {
+            takeHalfReadOut(table);
+            throw Failure(*failure);
+        }
+        countItems(table);
         app.organizer.vCalPIMRead = kTrue;
         cutFrame(table, taken);
         table.MoveFirst();
@@ -164,7 +181,7 @@ bool vCalReadOutlook(Table<Calendar>& table, bool noGridRefresh) {
     const StatusDialog dialog;
     const bool done = readCalendar(table, {wholeDay(app.sync.DateFrameFrom), app.sync.DateFrameTo},
                                    {kModule, u"vCalReadOutlook"});
-    if (done && !noGridRefresh) {
+    if (!noGridRefresh) {
         app.ports.screen.window->refresh(Grid::GridEXCal);
     }
     return done;
