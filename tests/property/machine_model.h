@@ -120,7 +120,8 @@ struct Wish {
     Told told;      ///< what the object is to say, or a new item
     std::optional<Text> subject;
     std::optional<Date> start;
-    bool anyAlarm = false;   ///< the row of a pair keeps one alarm, that of the side read first
+    /// The row of a pair keeps one alarm, that of the side read first: is there one, if so?
+    std::optional<bool> alarmOfRow;
     bool answerLost = false; ///< it may have been done without the program knowing
 
     [[nodiscard]] std::string line() const {
@@ -152,7 +153,9 @@ struct Wish {
 
     [[nodiscard]] bool isNewObject(const std::string& bytes) const {
         Told now = toldBy(bytes);
-        now.alarm = anyAlarm ? told.alarm : now.alarm;
+        if (alarmOfRow == !now.alarm.empty()) {
+            now.alarm = told.alarm;
+        }
         return now == told;
     }
 

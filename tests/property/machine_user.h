@@ -141,7 +141,7 @@ struct UserMachine : MachineWorld {
                 wishes.emplace(key, wish);
             } else if (old->second.creation || wish.onPhone) {
                 old->second.told = wish.told;
-                old->second.anyAlarm = old->second.anyAlarm || wish.anyAlarm;
+                old->second.alarmOfRow = wish.alarmOfRow ? wish.alarmOfRow : old->second.alarmOfRow;
             } else {
                 old->second.subject = wish.subject;
                 old->second.start = wish.start;
@@ -238,7 +238,10 @@ struct UserMachine : MachineWorld {
         wish.creation = creation;
         wish.number = table[cal::SubType];
         wish.told = told;
-        wish.anyAlarm = table[cal::PIM];
+        // A row that names an item was a pair, if it is none now: another program removed the item.
+        if (table[cal::PIM] || !table[cal::UID].empty()) {
+            wish.alarmOfRow = table[cal::Alarm];
+        }
         return wish;
     }
 
@@ -418,6 +421,15 @@ struct UserMachine : MachineWorld {
         }
     }
 
+    /// A row that was a pair shows the phone's text, which goes to the phone, and keeps that of the
+    /// organizer, which goes there. They may differ in case and length alone.
+    void requireOneText() {
+        const auto keyOf = [](const std::string& text) { return classOf({}, false, '-', text); };
+        const std::string shown = toUtf8(table[cal::Text]);
+        const std::string kept = toUtf8(table[cal::PIMText]);
+        require(keyOf(shown) == keyOf(kept), "shown as " + shown + ", kept as " + kept);
+    }
+
     /// The user ticks the side that the entry is not on.
     void tick() {
         if (table[cal::IsRecurring] || table[cal::Alarm] ||
@@ -429,7 +441,8 @@ struct UserMachine : MachineWorld {
         Told told;
         told.start = table[cal::Start];
         told.end = table[cal::DTEnd];
-        told.text = toUtf8(table[cal::PIMText].empty() ? table[cal::Text] : table[cal::PIMText]);
+        told.text = toUtf8(table[table[cal::PIM] ? cal::Text : cal::PIMText]);
+        requireOneText();
         const auto typ = static_cast<std::size_t>(leadingNumber(u"0" + Text(table[cal::Typ])));
         told.kind = "MBAC"[typ];
         say("user ticks row " + std::to_string(tag) + rowWords() + told.line());

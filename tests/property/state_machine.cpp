@@ -9,6 +9,8 @@
 #include "property/seed.h"
 #include "sync/autosync_frame.h"
 
+#include <ranges>
+
 using namespace tandolin;
 using namespace tandolin::testing;
 
@@ -213,7 +215,7 @@ struct Machine : UserMachine {
         heal();
         if (clean) {
             requireComplete(plan, after);
-            requireQuiet(plan, before);
+            requireQuiet(plan);
         }
     }
 
@@ -227,24 +229,42 @@ struct Machine : UserMachine {
         return at(phone).starts_with(u"restoreDeleted") || at(organizer) == u"Name";
     }
 
-    void requireNothingAfterFailedRead() {
-        // A look at the place of a new object is no read of the phone: only its own entry fails.
-        const auto isRead = [this](const Text& call) {
-            return call.starts_with(u"PXDList") ||
-                   std::ranges::any_of(beforeStep.phone, [&call](const auto& object) {
-                       return call.ends_with(u"\\" + decimal(object.first) + u".vcs");
-                   });
-        };
-        if (phone.fault.call != 0 && phone.calls.size() >= phone.fault.call) {
-            const Text& call = phone.calls[phone.fault.call - 1];
-            // A listing that fails looks like an empty one; on an empty phone it may be one.
-            if (call.starts_with(u"PXDList") && beforeStep.phone.empty()) {
-                return;
-            }
-            const bool read = call.starts_with(u"PXDList") || call.starts_with(u"PXDRead");
-            require(!read || !isRead(call) || writes() == 0,
-                    "written after a failed read of the phone");
+    /// Was the object there when the phone failed? Mode 1 removes objects and gives their numbers
+    /// to new ones.
+    [[nodiscard]] bool wasThereAtFault(TextView path) const {
+        bool there = std::ranges::any_of(
+            beforeStep.phone, [&](const auto& object) { return path == pathOf(object.first); });
+        for (const Text& call :
+             std::views::take(phone.calls, static_cast<std::ptrdiff_t>(phone.fault.call) - 1)) {
+            there =
+                call == u"PXDWrite " + Text(path) || (there && call != u"PXDDelete " + Text(path));
         }
+        return there;
+    }
+
+    void requireNothingAfterFailedReadOfPhone() {
+        if (phone.fault.call == 0 || phone.calls.size() < phone.fault.call) {
+            return;
+        }
+        constexpr TextView kRead = u"PXDRead ";
+        const Text& call = phone.calls[phone.fault.call - 1];
+        if (call.starts_with(u"PXDList")) {
+            // A listing that fails looks like an empty one; on an empty phone it may be one.
+            require(beforeStep.phone.empty() || writes() == 0,
+                    "written after a failed listing of the phone");
+        } else if (call.starts_with(kRead) && call.ends_with(u".vcs")) {
+            const Text path = call.substr(kRead.size());
+            require(!wasThereAtFault(path) || writes() == 0,
+                    "written after a failed read of the phone");
+            // A look at the place of a new object is no read of the phone: its own entry fails.
+            const auto failed = phone.calls.begin() + static_cast<std::ptrdiff_t>(phone.fault.call);
+            require(std::find(failed, phone.calls.end(), u"PXDWrite " + path) == phone.calls.end(),
+                    "written where nobody could look");
+        }
+    }
+
+    void requireNothingAfterFailedRead() {
+        requireNothingAfterFailedReadOfPhone();
         if (organizer.fault.call != 0 && organizer.calls.size() >= organizer.fault.call &&
             organizer.callsOf(u"Find") <= 1 && organizer.callsOf(u"Save") == 0 &&
             organizer.callsOf(u"CreateItem") == 0) {
@@ -290,11 +310,15 @@ struct Machine : UserMachine {
         });
     }
 
-    void requireQuiet(const SyncPlan& plan, const Holdings& before) {
-        if (plan.mayRemove(static_cast<int>(before.phone.size())) > 0 || !dice.once(3)) {
+    void requireQuiet(const SyncPlan& plan) {
+        if (!dice.once(3)) {
             return;
         }
         for (int run = 2; run <= 3; ++run) {
+            // What the run before has filled mode 1 empties again, to write it anew.
+            if (plan.mayRemove(static_cast<int>(holdings().phone.size())) > 0) {
+                return;
+            }
             heal();
             runAutoSync();
             if (writes() == 0) {
