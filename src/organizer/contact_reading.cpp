@@ -60,8 +60,13 @@ bool readContacts(Table<Contact>& table, ContactOrder order, Place place) {
             ClearOutlookFromGrid(table, false);
         }
         app.status.SetText(tr(ids::kSearchOrganizer));
-        readItems(table, order);
-        noteUnreadable(place);
+        if (const auto failure = attempt([&] {
+                readItems(table, order);
+                noteUnreadable(place);
+            })) {
+            ClearOutlookFromGrid(table, false); // the next read would take them a second time
+            throw Failure(*failure);
+        }
         app.organizer.vCardPIMCount = static_cast<std::int32_t>(table.countTrue(con::PIM));
         app.organizer.vCardPIMRead = kTrue;
         table.MoveFirst();

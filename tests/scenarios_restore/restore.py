@@ -107,9 +107,12 @@ def whole_run():
 
 
 def check_copy(world, backup, before):
+    """A copy holds the entries of the kinds that the run worked on, and all status files."""
     folder = Path(world.absolute(backup))
+    command = (world.folder / "command").read_text()
+    other = {"BOTH": ".none", "VCARD": (".vcs", ".ics"), "VCAL": ".vcf"}[next(w for w in ("BOTH", "VCARD", "VCAL") if w in command)]
     for side in before:
-        wanted = {name: data for name, data in before[side].items() if not name.endswith(".vcf")}
+        wanted = {name: data for name, data in before[side].items() if not name.endswith(other)}
         expect(f"names in the {side}'s copy", tree(folder / side).keys(), wanted.keys())
         expect(f"the {side}'s copy", tree(folder / side), wanted)
     for path in [folder, *folder.rglob("*")]:
