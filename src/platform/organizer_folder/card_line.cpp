@@ -8,34 +8,11 @@
 
 namespace tandolin::vcard {
 
+using ical::Parameter;
 using ical::sameName;
+using ical::takeParameter;
 
 namespace {
-
-struct Parameter {
-    std::string_view all;  ///< ";TYPE=home"
-    std::string_view name; ///< empty for a bare word
-    std::string_view value;
-};
-
-/// Takes the first parameter off; they begin with a semicolon each.
-Parameter takeParameter(std::string_view& rest) {
-    std::size_t end = 1;
-    for (bool quoted = false; end < rest.size() && (quoted || rest[end] != ';'); ++end) {
-        quoted = quoted != (rest[end] == '"');
-    }
-    Parameter one{rest.substr(0, end), {}, rest.substr(1, end - 1)};
-    rest.remove_prefix(end);
-    if (const std::size_t equals = one.value.find('='); equals != std::string_view::npos) {
-        one.name = ical::withoutBlanks(one.value.substr(0, equals));
-        one.value.remove_prefix(equals + 1);
-    }
-    one.value = ical::withoutBlanks(one.value);
-    if (one.value.size() >= 2 && one.value.front() == '"' && one.value.back() == '"') {
-        one.value = one.value.substr(1, one.value.size() - 2);
-    }
-    return one;
-}
 
 bool isOneOf(std::string_view word, std::initializer_list<std::string_view> words) {
     return std::ranges::any_of(words, [&](std::string_view one) { return sameName(one, word); });
@@ -258,9 +235,10 @@ Property propertyOf(std::string_view text) {
 Marks marksOf(std::string_view parameters) {
     Marks marks;
     while (!parameters.empty()) {
-        const auto [all, name, value] = takeParameter(parameters);
+        const Parameter one = takeParameter(parameters);
+        const auto [all, name, value] = one;
         const bool encoding = name.empty() || sameName(name, "ENCODING");
-        if (encoding && sameName(value, "QUOTED-PRINTABLE")) {
+        if (ical::isQuotedPrintable(one)) {
             marks.quotedPrintable = true;
         } else if (encoding && isOneOf(value, {"BASE64", "B"})) {
             marks.base64 = true;
@@ -296,6 +274,11 @@ std::vector<std::string_view> partsOf(std::string_view value, char separator) {
 std::string textOf(std::string_view piece, const Marks& marks, Version version) {
     if (marks.base64 && !piece.empty()) {
         throw ical::Unreadable{"a text is written in base64, which is not read"};
+    }
+    const auto needsWork = [](char c) { return isHigh(c) || isControl(c) || c == '\\'; };
+    if (!marks.quotedPrintable && charsetOf(marks.charset) != Charset::unknown &&
+        std::ranges::none_of(piece, needsWork)) {
+        return std::string(ical::withoutBlanks(piece)); // as most are
     }
     const std::string bytes = bytesOf(piece, marks, version);
     refuseUnknownCharset(bytes, marks);

@@ -115,8 +115,9 @@ Card::Card(const ical::ContentLines& lines, int component) {
     const ical::Component& place = lines.components()[static_cast<std::size_t>(component)];
     for (std::size_t i = place.begin + 1; i < place.end; ++i) {
         const ical::ContentLine& line = lines.lines()[i];
-        if (line.component == component && line.text.find(':') != std::string_view::npos) {
-            const Property property = propertyOf(line.text);
+        const Property property = propertyOf(line.text);
+        // What has no value is no property: the rest of a picture, or a quote that never ends.
+        if (line.component == component && property.value.data() != nullptr) {
             lines_.push_back({i, property, marksOf(property.parameters)});
         }
     }

@@ -42,16 +42,12 @@ std::string unfolded(std::string_view raw, bool quoted) {
 }
 
 bool saysQuotedPrintable(std::string_view line) {
-    constexpr std::string_view kWord = "QUOTED-PRINTABLE";
-    const std::string_view head = propertyHead(line);
-    for (std::size_t at = head.find(';'); at != std::string_view::npos; at = head.find(';', at)) {
-        ++at;
-        const std::string_view one = head.substr(at, head.find(';', at) - at);
-        if (one.size() >= kWord.size() && sameName(one.substr(one.size() - kWord.size()), kWord)) {
-            return head.size() < line.size();
-        }
+    std::string_view rest = propertyHead(line);
+    bool says = false;
+    for (rest.remove_prefix(propertyName(rest).size()); !rest.empty() && !says;) {
+        says = isQuotedPrintable(takeParameter(rest));
     }
-    return false;
+    return says;
 }
 
 /// Only the value is broken: what stands before it tells readers that it is quoted.
@@ -122,25 +118,36 @@ std::string_view propertyValue(std::string_view text) {
     return head < text.size() ? text.substr(head + 1) : std::string_view{};
 }
 
+Parameter takeParameter(std::string_view& rest) {
+    std::size_t end = 1;
+    for (bool quoted = false; end < rest.size() && (quoted || rest[end] != ';'); ++end) {
+        quoted = quoted != (rest[end] == '"');
+    }
+    Parameter one{rest.substr(0, end), {}, rest.substr(1, end - 1)};
+    rest.remove_prefix(end);
+    if (const std::size_t equals = one.value.find('='); equals != std::string_view::npos) {
+        one.name = one.value.substr(0, equals);
+        one.value.remove_prefix(equals + 1);
+    }
+    if (one.value.size() >= 2 && one.value.front() == '"' && one.value.back() == '"') {
+        one.value = one.value.substr(1, one.value.size() - 2);
+    }
+    return one;
+}
+
+bool isQuotedPrintable(const Parameter& parameter) {
+    return sameName(parameter.value, "QUOTED-PRINTABLE") &&
+           (parameter.name.empty() || sameName(parameter.name, "ENCODING"));
+}
+
 std::string_view parameterOf(std::string_view text, std::string_view name) {
     std::string_view rest = propertyHead(text);
     rest.remove_prefix(propertyName(rest).size());
     while (!rest.empty()) {
-        rest.remove_prefix(1);
-        std::size_t end = 0;
-        for (bool quoted = false; end < rest.size() && (quoted || rest[end] != ';'); ++end) {
-            quoted = quoted != (rest[end] == '"');
+        const Parameter one = takeParameter(rest);
+        if (sameName(one.name, name)) {
+            return one.value;
         }
-        const std::string_view one = rest.substr(0, end);
-        const std::size_t equals = one.find('=');
-        if (equals != std::string_view::npos && sameName(one.substr(0, equals), name)) {
-            std::string_view value = one.substr(equals + 1);
-            if (value.size() >= 2 && value.front() == '"' && value.back() == '"') {
-                value = value.substr(1, value.size() - 2);
-            }
-            return value;
-        }
-        rest.remove_prefix(end);
     }
     return {};
 }
@@ -188,12 +195,11 @@ void ContentLines::assign(std::string_view bytes, Layout layout) {
             const std::size_t found = bytes.find('\n', end);
             end = found == std::string_view::npos ? bytes.size() : found + 1;
             const std::string_view piece = withoutLineEnd(bytes.substr(start, end - start));
-            bool soft = layout == Layout::cards && piece.ends_with('=');
-            if (soft && !quoted) {
+            const bool maybeSoft = layout == Layout::cards && piece.ends_with('=');
+            if (maybeSoft && !quoted) {
                 quoted = saysQuotedPrintable(withoutLineEnd(bytes.substr(begin, end - begin)));
             }
-            // A soft break in front of the end of the card is a mistake of its writer.
-            soft = soft && *quoted && !startsWithName(bytes.substr(end), "END:VCARD");
+            const bool soft = maybeSoft && *quoted;
             const bool fold = end < bytes.size() && (bytes[end] == ' ' || bytes[end] == '\t');
             if (end == bytes.size() || !(fold || soft)) {
                 break;

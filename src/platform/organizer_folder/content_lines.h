@@ -55,6 +55,19 @@ std::string_view propertyHead(std::string_view text);
 /// What follows that colon; empty without one.
 std::string_view propertyValue(std::string_view text);
 
+/// A parameter of a property.
+struct Parameter {
+    std::string_view all;   ///< ";TYPE=home"
+    std::string_view name;  ///< empty for a bare word
+    std::string_view value; ///< without its quotes
+};
+
+/// Takes the first parameter off; each begins with a semicolon.
+Parameter takeParameter(std::string_view& rest);
+
+/// The value is in quoted printable: said by a bare word or as the encoding.
+bool isQuotedPrintable(const Parameter& parameter);
+
 /// The value of a parameter without its quotes; empty when it is absent.
 std::string_view parameterOf(std::string_view text, std::string_view name);
 
