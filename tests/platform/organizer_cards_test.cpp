@@ -1,6 +1,7 @@
 #include "organizer_cards_fixture.h"
 
 #include <fstream>
+#include <tuple>
 
 using namespace tandolin;
 using namespace tandolin::testing;
@@ -157,14 +158,21 @@ TEST_CASE("a new card") {
     CHECK(read.CreationTime == folder.clock.now());
     CHECK(read.File == fromUtf8(file));
 
-    // The version asks for a name: the company's, where there is no other.
-    const auto company = contacts.Add();
+    // The version asks for a name: the company's, where there is no other, at last the identifier.
+    const auto empty = contacts.Add();
+    const std::string uid = toUtf8(empty->facts().EntryID);
     ContactFacts only;
-    only.CompanyName = u"Firma";
-    company->set(only);
-    company->Save();
-    CHECK(folder.bytesOf(toUtf8(company->facts().File)).find("\r\nFN:Firma\r\nN:;;;;\r\n") !=
-          std::string::npos);
+    for (const auto& [company, last, lines] :
+         {std::tuple{u"", u"", "FN:" + uid + "\r\nN:;;;;\r\n"},
+          std::tuple{u"Firma", u"", std::string("FN:Firma\r\nN:;;;;\r\n")},
+          std::tuple{u"Firma", u"Meier", std::string("FN:Meier\r\nN:Meier;;;;\r\n")}}) {
+        only.CompanyName = company;
+        only.LastName = last;
+        empty->set(only);
+        empty->Save();
+        CAPTURE(folder.bytesOf(toUtf8(empty->facts().File)));
+        CHECK(folder.bytesOf(toUtf8(empty->facts().File)).find(lines) != std::string::npos);
+    }
 }
 
 TEST_CASE("kinds and times of cards") {

@@ -75,7 +75,8 @@ std::optional<std::string> renamed(std::string_view whole, const NameParts& befo
     const std::string old = withSingleBlanks(whole);
     Form form = nullptr;
     if (isNameless(before)) {
-        form = old == withSingleBlanks(before.company) ? kForms.front() : nullptr;
+        const bool built = old.empty() || old == withSingleBlanks(before.substitute);
+        form = built ? kForms.front() : nullptr;
     }
     for (const Form one : kForms) {
         if (form == nullptr && !isNameless(before) && withSingleBlanks(one(before)) == old) {
@@ -85,7 +86,7 @@ std::optional<std::string> renamed(std::string_view whole, const NameParts& befo
     if (form == nullptr) {
         return std::nullopt;
     }
-    const std::string name = isNameless(after) ? after.company : form(after);
+    const std::string name = isNameless(after) ? after.substitute : form(after);
     return name.empty() || name == whole ? std::nullopt : std::optional(name);
 }
 

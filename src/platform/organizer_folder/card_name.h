@@ -14,7 +14,8 @@ struct NameParts {
     std::string middle;
     std::string prefix;
     std::string suffix;
-    std::string company;
+    /// What stands for a name that has neither a first nor a last one.
+    std::string substitute;
 };
 
 /// "Eva Müller"; one alone without a blank.

@@ -125,6 +125,7 @@ public:
 
     bool apply(ical::Seconds nowUtc) {
         setName();
+        setShownName();
         setCompany();
         for (const OwnLine& line : kOwnLines) {
             setOwnLine(line);
@@ -164,34 +165,38 @@ private:
     void removeLine(const CardLine& line) { changes_[line.line] = std::nullopt; }
 
     void setName() {
-        if (differs(Member::LastName) || differs(Member::FirstName)) {
-            const CardLine* line = card_.find("N");
-            auto pieces = keptPieces(line == nullptr ? "" : line->property.value, ';',
-                                     line == nullptr ? kNameParts : 2);
-            // What is written anew is the part that differs; without N there is no other.
-            if (line == nullptr || differs(Member::LastName)) {
-                pieces[part::kLastName] = {wanted_[Member::LastName], true};
-            }
-            if (line == nullptr || differs(Member::FirstName)) {
-                pieces[part::kFirstName] = {wanted_[Member::FirstName], true};
-            }
-            setLine(line, "N", "", pieces, Escape::structured);
-        } else if (!differs(Member::CompanyName)) {
+        if (!differs(Member::LastName) && !differs(Member::FirstName)) {
             return;
         }
-        const CardLine* shown = card_.find("FN");
-        if (shown == nullptr) {
+        const CardLine* line = card_.find("N");
+        auto pieces = keptPieces(line == nullptr ? "" : line->property.value, ';',
+                                 line == nullptr ? kNameParts : 2);
+        // What is written anew is the part that differs; without N there is no other.
+        if (line == nullptr || differs(Member::LastName)) {
+            pieces[part::kLastName] = {wanted_[Member::LastName], true};
+        }
+        if (line == nullptr || differs(Member::FirstName)) {
+            pieces[part::kFirstName] = {wanted_[Member::FirstName], true};
+        }
+        setLine(line, "N", "", pieces, Escape::structured);
+    }
+
+    void setShownName() {
+        const CardLine* line = card_.find("FN");
+        const bool renames = differs(Member::LastName) || differs(Member::FirstName) ||
+                             shownName(wanted_) != shownName(stored_);
+        if (line == nullptr || !renames) {
             return;
         }
-        if (const auto name = renamed(card_.text(shown), nameParts(stored_), nameParts(wanted_))) {
-            setLine(shown, "FN", "", {{*name, true}});
+        if (const auto name = renamed(card_.text(line), nameParts(stored_), nameParts(wanted_))) {
+            setLine(line, "FN", "", {{*name, true}});
         }
     }
 
     [[nodiscard]] NameParts nameParts(const CardFacts& facts) const {
         const CardLine* line = card_.find("N");
         return {facts[Member::LastName], facts[Member::FirstName], card_.text(line, 2),
-                card_.text(line, 3),     card_.text(line, 4),      facts[Member::CompanyName]};
+                card_.text(line, 3),     card_.text(line, 4),      shownName(facts)};
     }
 
     void setCompany() {
@@ -439,7 +444,7 @@ std::string shownName(const CardFacts& facts) {
         return name;
     }
     for (const Member member : {Member::CompanyName, Member::Email, Member::MobilePhone,
-                                Member::HomePhone, Member::BusinessPhone}) {
+                                Member::HomePhone, Member::BusinessPhone, Member::EntryID}) {
         if (!facts[member].empty()) {
             return facts[member];
         }
@@ -453,8 +458,7 @@ std::string newCardFile(std::string_view id, const CardFacts& facts, ical::Secon
     out.text("VERSION", "", "3.0");
     out.text("UID", "", std::string(id));
     // The version asks for a name that is not empty.
-    const std::string shown = shownName(facts);
-    out.text("FN", "", shown.empty() ? std::string(id) : shown);
+    out.text("FN", "", shownName(facts));
     std::vector<Piece> name(kNameParts);
     name[part::kLastName] = {facts[Member::LastName], true};
     name[part::kFirstName] = {facts[Member::FirstName], true};

@@ -26,7 +26,7 @@ bool removeCard(ical::ContentLines& lines, std::string_view id, std::string_view
 std::string newCardFile(std::string_view id, const CardFacts& facts, ical::Seconds nowUtc);
 
 /// The name that a card shows: first and last name, without these the company, else whatever it
-/// has; empty for an empty card.
+/// has, at last its identifier.
 std::string shownName(const CardFacts& facts);
 
 } // namespace tandolin::vcard
