@@ -162,7 +162,7 @@ TEST_CASE("an observer is told of every change, and may forbid it") {
     NotingObserver observer;
     platform::FolderOrganizer organizer(
         {folder.root, "calendar", "contacts", false, folder.zone, &observer}, folder.clock);
-    const FolderRecord chor = organizer.GetDefaultContactFolder().Folders.at(0);
+    const FolderRecord chor = organizer.Folders().at(0).Folders.at(0);
     ContactFolder& contacts = organizer.GetContactItems(chor);
     observer.forbids = true;
     CHECK(failureOf([&] { rename(*contacts.GetItemFromID(u"a"), u"Neu"); }) ==

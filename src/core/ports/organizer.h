@@ -165,7 +165,8 @@ public:
     /// The items of a contact folder. The reference lives as long as the organizer. Throws Failure
     /// -1987 when the folder cannot be opened.
     virtual ContactFolder& GetContactItems(const FolderRecord& folder) = 0;
-    /// The folder with these identifiers. Throws Failure -1987 when there is none.
+    /// The folder with these identifiers; what lies below it only `Folders` tells. Throws Failure
+    /// -1987 when there is none.
     virtual FolderRecord GetFolderFromID(TextView entryID, TextView storeID) = 0;
     /// The top folders with all that lies below them.
     virtual std::vector<FolderRecord> Folders() = 0;

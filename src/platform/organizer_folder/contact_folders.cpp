@@ -3,7 +3,11 @@
 #include "core/failure.h"
 #include "platform/system_posix/atomic_file.h"
 
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <algorithm>
+#include <cerrno>
 #include <tuple>
 
 namespace tandolin::platform {
@@ -48,16 +52,19 @@ Failure folderFailure(Text description) {
     return {failure_number::kOrganizer, std::move(description)};
 }
 
-const FolderRecord* folderWith(const std::vector<FolderRecord>& folders, TextView entryID) {
-    for (const FolderRecord& folder : folders) {
-        if (folder.EntryID == entryID) {
-            return &folder;
-        }
-        if (const FolderRecord* found = folderWith(folder.Folders, entryID)) {
-            return found;
-        }
-    }
-    return nullptr;
+/// A link leads out of the tree, or back into it: a second time, or for ever. A name that no text
+/// can hold could not be found again.
+bool isFolder(const fs::path& path) {
+    const std::string name = path.filename().string();
+    std::error_code error;
+    return !name.empty() && name.front() != '.' && name.back() != '~' && isUtf8(name) &&
+           fs::symlink_status(path, error).type() == fs::file_type::directory;
+}
+
+[[noreturn]] void refuse(std::error_code error, const fs::path& directory) {
+    Failure failure = failureOfErrno(error.value(), directory, u"cannot read");
+    failure.Number = failure_number::kOrganizer;
+    throw Failure(failure);
 }
 
 } // namespace
@@ -74,36 +81,40 @@ Text storeIdOf(const fs::path& root) {
 ContactFolders::ContactFolders(const fs::path& root, const fs::path& directory)
     : root_(root), directory_(root / directory), storeID_(storeIdOf(root)) {}
 
+Text ContactFolders::rootName() const {
+    return displayName(canonicalOf(root_));
+}
+
+FolderRecord ContactFolders::record(const fs::path& directory, const std::string& entryID,
+                                    const Text& parent) const {
+    return {parent, displayName(directory), fromUtf8(entryID), storeID_, kContactFolder, {}};
+}
+
+FolderRecord ContactFolders::firstFolder() const {
+    return {rootName(), Text(kFirstFolder), Text(kFirstFolder), storeID_, kContactFolder, {}};
+}
+
 std::vector<FolderRecord> ContactFolders::below(const fs::path& directory,
                                                 const std::string& entryID, const Text& parent,
-                                                int depth) const {
+                                                int levels) const {
+    std::vector<FolderRecord> folders;
     std::error_code error;
     fs::directory_iterator entries(directory, error);
-    if (error) {
-        Failure failure = failureOfErrno(error.value(), directory, u"cannot read");
-        failure.Number = failure_number::kOrganizer;
-        throw failure;
-    }
-    std::vector<FolderRecord> folders;
-    for (; entries != fs::directory_iterator(); entries.increment(error)) {
-        const std::string name = entries->path().filename().string();
+    for (; !error && entries != fs::directory_iterator(); entries.increment(error)) {
         std::error_code ignored;
-        // A link leads out of the tree, or back into it: a second time, or for ever. A name that no
-        // text can hold could not be found again.
-        if (name.front() == '.' || !isUtf8(name) || name.back() == '~' ||
-            entries->is_symlink(ignored) || !entries->is_directory(ignored) || depth >= kDeepest) {
+        if (!entries->is_directory(ignored) || !isFolder(entries->path())) {
             continue;
         }
+        const std::string name = entries->path().filename().string();
         const std::string id = entryID.empty() ? name : entryID + '/' + name;
-        FolderRecord folder{
-            parent, displayName(entries->path()), fromUtf8(id), storeID_, kContactFolder, {}};
-        folder.Folders = below(entries->path(), id, folder.Name, depth + 1);
+        FolderRecord folder = record(entries->path(), id, parent);
+        if (levels > 1) {
+            folder.Folders = below(entries->path(), id, folder.Name, levels - 1);
+        }
         folders.push_back(std::move(folder));
     }
     if (error) {
-        Failure failure = failureOfErrno(error.value(), directory, u"cannot read");
-        failure.Number = failure_number::kOrganizer;
-        throw failure;
+        refuse(error, directory);
     }
     std::ranges::sort(folders, [](const FolderRecord& a, const FolderRecord& b) {
         return std::tie(a.Name, a.EntryID) < std::tie(b.Name, b.EntryID);
@@ -112,43 +123,56 @@ std::vector<FolderRecord> ContactFolders::below(const fs::path& directory,
 }
 
 std::vector<FolderRecord> ContactFolders::tree() const {
-    std::vector<FolderRecord> folders = stored();
+    std::vector<FolderRecord> folders = stored(Depth::all);
     if (folders.empty()) {
-        folders.push_back({displayName(canonicalOf(root_)),
-                           Text(kFirstFolder),
-                           Text(kFirstFolder),
-                           storeID_,
-                           kContactFolder,
-                           {}});
+        folders.push_back(firstFolder());
     }
     return folders;
 }
 
-std::vector<FolderRecord> ContactFolders::stored() const {
+std::vector<FolderRecord> ContactFolders::stored(Depth depth) const {
     std::error_code error;
     if (fs::status(directory_, error).type() == fs::file_type::not_found) {
         return {};
     }
-    return below(directory_, {}, displayName(canonicalOf(root_)), 0);
+    return below(directory_, {}, rootName(), depth == Depth::top ? 1 : kDeepest);
 }
 
 FolderRecord ContactFolders::defaultFolder() const {
-    const std::vector<FolderRecord> folders = tree();
-    for (const FolderRecord& folder : folders) {
-        if (folder.EntryID == kFirstFolder) {
-            return folder;
+    if (isStored(kFirstFolder)) {
+        return folder(kFirstFolder, storeID_);
+    }
+    const std::vector<FolderRecord> folders = stored(Depth::top);
+    return folders.empty() ? firstFolder() : folders.front();
+}
+
+bool ContactFolders::isStored(TextView entryID) const {
+    fs::path path = directory_;
+    int levels = 0;
+    for (const Text& part : split(entryID, u"/")) {
+        path /= toUtf8(part);
+        // Each part is asked, so that no ".." and no link leads out of the tree.
+        if (part.empty() || ++levels > kDeepest || !isFolder(path)) {
+            return false;
         }
     }
-    return folders.front();
+    return levels > 0;
 }
 
 FolderRecord ContactFolders::folder(TextView entryID, TextView storeID) const {
-    const std::vector<FolderRecord> folders = tree();
-    const FolderRecord* found = isHere(storeID) ? folderWith(folders, entryID) : nullptr;
-    if (found == nullptr) {
-        throw folderFailure(u"There is no contact folder \"" + Text(entryID) + u"\".");
+    if (isHere(storeID) && isStored(entryID)) {
+        const std::string id = toUtf8(entryID);
+        const fs::path path = directory_ / id;
+        if (::faccessat(AT_FDCWD, path.c_str(), R_OK | X_OK, AT_EACCESS) != 0) {
+            refuse({errno, std::generic_category()}, path);
+        }
+        const bool isTop = id.find('/') == std::string::npos;
+        return record(path, id, isTop ? rootName() : displayName(path.parent_path()));
     }
-    return *found;
+    if (isHere(storeID) && entryID == kFirstFolder && stored(Depth::top).empty()) {
+        return firstFolder();
+    }
+    throw folderFailure(u"There is no contact folder \"" + Text(entryID) + u"\".");
 }
 
 } // namespace tandolin::platform

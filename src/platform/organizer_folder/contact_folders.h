@@ -19,13 +19,20 @@ public:
     /// first contact makes. Names come from a file `displayname` in the folder, else from the
     /// directory; EntryID is the path below the contacts directory. Throws Failure -1987.
     [[nodiscard]] std::vector<FolderRecord> tree() const;
-    /// `Kontakte`, else the first top folder by name. Throws Failure -1987.
+    /// `Kontakte`, else the first top folder by name. What lies below it is not told. Throws
+    /// Failure -1987.
     [[nodiscard]] FolderRecord defaultFolder() const;
-    /// Throws Failure -1987 when there is no such folder.
+    /// What lies below the folder is not told: to find it, the folders with all their cards would
+    /// have to be listed. Throws Failure -1987 when there is no such folder.
     [[nodiscard]] FolderRecord folder(TextView entryID, TextView storeID) const;
 
-    /// The same without a folder that is still to be made.
-    [[nodiscard]] std::vector<FolderRecord> stored() const;
+    enum class Depth { top, all };
+
+    /// `tree`, or its top alone, without a folder that is still to be made.
+    [[nodiscard]] std::vector<FolderRecord> stored(Depth depth = Depth::all) const;
+
+    /// Does the folder lie in the tree? One that the first contact makes does not yet.
+    [[nodiscard]] bool isStored(TextView entryID) const;
 
     /// The identifier is the one of this store.
     [[nodiscard]] bool isHere(TextView storeID) const { return storeID == storeID_; }
@@ -33,7 +40,11 @@ public:
 private:
     [[nodiscard]] std::vector<FolderRecord> below(const std::filesystem::path& directory,
                                                   const std::string& entryID, const Text& parent,
-                                                  int depth) const;
+                                                  int levels) const;
+    [[nodiscard]] FolderRecord record(const std::filesystem::path& directory,
+                                      const std::string& entryID, const Text& parent) const;
+    [[nodiscard]] Text rootName() const;
+    [[nodiscard]] FolderRecord firstFolder() const;
 
     std::filesystem::path root_;
     std::filesystem::path directory_;

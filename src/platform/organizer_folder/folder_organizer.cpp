@@ -43,7 +43,7 @@ ContactFolder& FolderOrganizer::GetContactItems(const FolderRecord& folder) {
     const std::string path = toUtf8(entryID);
     auto items = std::make_unique<FolderContacts>(
         ItemDirectory(options_.root, options_.contactsDir / path, ".vcf",
-                      contacts_.stored().empty() ? Missing::isEmpty : Missing::fails),
+                      contacts_.isStored(entryID) ? Missing::fails : Missing::isEmpty),
         Writing{options_.dryRun, options_.changes, "contacts/" + path + '/'}, zones().local(),
         clock_);
     items->files().checkOpen();
