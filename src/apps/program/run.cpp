@@ -7,25 +7,13 @@
 #include "apps/program/report.h"
 #include "apps/program/restore.h"
 #include "apps/program/stores.h"
-#include "apps/program/user_directories.h"
+#include "apps/program/wiring.h"
 #include "apps/start_up.h"
 #include "core/state.h"
-#include "core/trap.h"
-#include "log/log_model.h"
 #include "log/log_text.h"
-#include "log/noted_boxes.h"
-#include "platform/language_mo/mo_languages.h"
-#include "platform/screen_terminal/terminal_screen.h"
-#include "platform/settings_toml/toml_settings.h"
-#include "platform/system_posix/home_directory.h"
-#include "platform/system_posix/lock_file.h"
-#include "platform/system_posix/posix_locale.h"
-#include "platform/system_posix/system_clock.h"
-#include "store/tables.h"
 
 #include <algorithm>
 #include <array>
-#include <filesystem>
 #include <optional>
 #include <ostream>
 
@@ -33,39 +21,8 @@ namespace tandolin::program {
 
 namespace {
 
-namespace fs = std::filesystem;
-
 constexpr const char* kNoWindow =
     "There is no window in this version: give a word: BOTH, VCAL or VCARD.";
-constexpr const char* kMachineSettings = "/etc/halverntandolin/settings.toml";
-
-/// Language files of the installation, or of the build that the program lies in.
-std::vector<fs::path> languageDirectories() {
-    std::error_code error;
-    const fs::path bin = fs::read_symlink("/proc/self/exe", error).parent_path();
-    return {bin.parent_path() / "share/halverntandolin/Lng", bin.parent_path() / "Lng",
-            "/usr/share/halverntandolin/Lng"};
-}
-
-/// The listener of the logic is a plain function, so what it fills is one value of the process.
-struct Listening {
-    std::vector<ReportedFailure> failures;
-    std::ostream* errors = nullptr;
-};
-
-Listening listening;
-
-void noteFailure(const Failure& failure, TextView message, Place place) {
-    listening.failures.push_back({decimal(failure.Number), failureOnOneLine(failure, message),
-                                  Text(place.module), Text(place.proc), failure.File,
-                                  failure.Line});
-    app.ports.screen.status->close();
-    *listening.errors << failureLine(listening.failures.back()) << '\n' << std::flush;
-}
-
-void noteExplanation(TextView line) {
-    *listening.errors << toUtf8(line) << '\n';
-}
 
 std::string joined(const std::vector<std::string>& words) {
     std::string line;
@@ -104,106 +61,6 @@ std::optional<int> endsAtOnce(const Options& options, std::ostream& errors) {
     return std::nullopt;
 }
 
-/// The adapters of one run, as long as it lasts.
-class Wiring {
-public:
-    Wiring(const Options& options, std::ostream& errors)
-        : options_(options),
-          settings_(options.settingsFile
-                        ? fs::path(*options.settingsFile)
-                        : userDirectory("XDG_CONFIG_HOME", ".config") / "settings.toml",
-                    kMachineSettings,
-                    options.dryRun ? platform::TomlSettings::Mode::readOnly
-                                   : platform::TomlSettings::Mode::readWrite),
-          screen_(errors,
-                  options.quiet     ? platform::Chatter::quiet
-                  : options.verbose ? platform::Chatter::verbose
-                                    : platform::Chatter::normal,
-                  options.answer),
-          languages_(languageDirectories()), lock_(stateDirectory()) {
-        app = {};
-        tables.clearAll();
-        app.ports.settings = &settings_;
-        app.ports.languages = &languages_;
-        app.ports.screen = {&boxes_, &screen_, &screen_};
-        app.ports.clock = &clock_;
-        app.ports.locale = &locale_;
-        app.ports.instance = &lock_;
-        app.ports.files = &files_;
-        app.core.GlobalSilentMode = kTrue;
-        app.core.applicationTitle = tr(ids::kProgramTitle);
-        app.core.failureListener = noteFailure;
-        app.core.explain = options.verbose ? noteExplanation : nullptr;
-        app.run.dryRun = options.dryRun;
-        app.run.maxRemove = options.maxRemove;
-        app.phone.acceptEmptyPhone = options.acceptEmptyPhone;
-        listening = {{}, &errors};
-    }
-
-    Wiring(const Wiring&) = delete;
-    Wiring& operator=(const Wiring&) = delete;
-
-    ~Wiring() { app = {}; }
-
-    /// Reads the settings and lets the command line stand over them. False ends the start.
-    bool loadSettings() {
-        return trapped({u"Main_Modul", u"Main"}, false, [this](bool& result) {
-            app.run.startFailed = true;
-            // Taken before the settings are read: a copy from before another run's end must never
-            // be saved over what that run wrote. Whether it was free is asked later.
-            attempt([this] { lock_.previousInstance(); });
-            settings_.load();
-            const fs::path home = options_.home ? fs::absolute(*options_.home)
-                                                : userDirectory("XDG_DATA_HOME", ".local/share");
-            const Text homeText = fromUtf8(home.string());
-            settings_.seedFirstStart(
-                clock_.now(), fromUtf8(userDirectory("XDG_DATA_HOME", ".local/share").string()));
-            const bool homeStored =
-                settings_.read(SettingsRoot::user, kSettingsKey, u"HomeDir").has_value();
-            if (options_.home || !homeStored) {
-                settings_.overrideSetting(u"HomeDir", homeText, clock_.now());
-            }
-            app.run.startFailed = false;
-            result = true;
-        });
-    }
-
-    /// What is wrong with a `--set`, if anything.
-    std::optional<Text> applySets() {
-        for (const auto& [name, value] : options_.settings) {
-            if (auto problem =
-                    settings_.overrideSetting(fromUtf8(name), fromUtf8(value), clock_.now())) {
-                return problem;
-            }
-        }
-        return std::nullopt;
-    }
-
-    [[nodiscard]] std::optional<std::string> connection(const std::optional<std::string>& option,
-                                                        TextView key) const {
-        if (option) {
-            return option;
-        }
-        const auto stored = settings_.connection(key);
-        return stored ? std::optional(toUtf8(*stored)) : std::nullopt;
-    }
-
-    [[nodiscard]] const Clock& clock() const { return clock_; }
-
-    void closeScreen() { screen_.close(); }
-
-private:
-    const Options& options_;
-    platform::SystemClock clock_;
-    platform::PosixLocale locale_;
-    platform::TomlSettings settings_;
-    platform::TerminalScreen screen_;
-    NotedBoxes boxes_{screen_};
-    platform::MoLanguages languages_;
-    platform::LockFile lock_;
-    platform::HomeDirectory files_;
-};
-
 void connectStores(Stores& stores, Copies& copies, const Around& around) {
     app.ports.makePhoneServer = [make = stores.makePhone, around = around.phone, &copies] {
         auto phone = make();
@@ -224,25 +81,17 @@ void warnOfUnknownWords(const Options& options, std::ostream& errors) {
     }
 }
 
-int report(const Options& options, RunFacts facts, std::ostream& out) {
-    facts.failures = listening.failures;
-    if (app.run.otherInstance) {
-        facts.failures.push_back({decimal(failure_number::kInternal),
-                                  onOneLine(tr(ids::kAlreadyActive)),
-                                  u"Main_Modul",
-                                  u"Check4PrevInstance",
-                                  {},
-                                  0});
-    }
+int report(const Options& options, RunFacts facts, std::ostream& out, std::ostream& errors) {
+    facts.failures = reportedFailures();
     facts.exit = exitStatus();
     if (options.json || options.quiet) {
-        writeFailedRows(*listening.errors);
+        writeFailedRows(errors);
     }
     if (options.json) {
         writeJson(out, facts);
     } else if (!options.quiet && !isKill(options)) {
         writeSummary(out);
-        *listening.errors << backupLine(facts.backup);
+        errors << backupLine(facts.backup);
     }
     return static_cast<int>(facts.exit);
 }
@@ -292,8 +141,8 @@ int silentRun(const std::string& programPath, const std::vector<std::string>& ar
     wiring.closeScreen();
     return report(
         options,
-        {phone.value_or(""), organizer.value_or(""), {}, ExitStatus::done, copies.directory()},
-        out);
+        {phone.value_or(""), organizer.value_or(""), {}, ExitStatus::done, copies.directory()}, out,
+        errors);
 }
 
 int command(const std::string& programPath, const std::vector<std::string>& arguments,
