@@ -91,7 +91,9 @@ struct SettingsForm {
     std::int16_t fontIndex = -1;
     std::int16_t fontSizeIndex = 0;
 
-    /// The contact folder as the list shows it: its parent, a backslash, its name.
+    /// The list of `FolderComboBox`, each entry a folder's parent, a backslash, its name; and the
+    /// entry chosen.
+    std::vector<Text> folders;
     Text FolderComboBox;
 
     bool PXD_Check = true;

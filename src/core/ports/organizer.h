@@ -168,7 +168,8 @@ public:
     /// The folder with these identifiers; what lies below it only `Folders` tells. Throws Failure
     /// -1987 when there is none.
     virtual FolderRecord GetFolderFromID(TextView entryID, TextView storeID) = 0;
-    /// The top folders with all that lies below them.
+    /// The top folders with all that lies below them. Throws a Failure whose `File` is the name of
+    /// the folder that could not be read.
     virtual std::vector<FolderRecord> Folders() = 0;
     /// The files that did not parse, as far as they were read so far.
     [[nodiscard]] virtual std::vector<UnreadableItem> unreadable() const = 0;

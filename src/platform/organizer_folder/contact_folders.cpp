@@ -64,6 +64,7 @@ bool isFolder(const fs::path& path) {
 [[noreturn]] void refuse(std::error_code error, const fs::path& directory) {
     Failure failure = failureOfErrno(error.value(), directory, u"cannot read");
     failure.Number = failure_number::kOrganizer;
+    failure.File = fromUtf8(lastPart(directory));
     throw Failure(failure);
 }
 
@@ -135,7 +136,12 @@ std::vector<FolderRecord> ContactFolders::stored(Depth depth) const {
     if (fs::status(directory_, error).type() == fs::file_type::not_found) {
         return {};
     }
-    return below(directory_, {}, rootName(), depth == Depth::top ? 1 : kDeepest);
+    std::vector<FolderRecord> folders =
+        below(directory_, {}, rootName(), depth == Depth::top ? 1 : kDeepest);
+    // Whoever takes the first one takes the default one.
+    std::ranges::stable_partition(
+        folders, [](const FolderRecord& folder) { return folder.EntryID == kFirstFolder; });
+    return folders;
 }
 
 FolderRecord ContactFolders::defaultFolder() const {

@@ -15,9 +15,10 @@ class ContactFolders {
 public:
     ContactFolders(const std::filesystem::path& root, const std::filesystem::path& directory);
 
-    /// The top folders with all below them, by name; where there is none, `Kontakte`, which the
-    /// first contact makes. Names come from a file `displayname` in the folder, else from the
-    /// directory; EntryID is the path below the contacts directory. Throws Failure -1987.
+    /// The top folders with all below them, `Kontakte` first, the others by name; where there is
+    /// none, `Kontakte`, which the first contact makes. Names come from a file `displayname` in the
+    /// folder, else from the directory; EntryID is the path below the contacts directory. Throws
+    /// Failure -1987, whose `File` is the name of the folder that cannot be read.
     [[nodiscard]] std::vector<FolderRecord> tree() const;
     /// `Kontakte`, else the first top folder by name. What lies below it is not told. Throws
     /// Failure -1987.
