@@ -1,6 +1,7 @@
 #include "apps/start_up.h"
 
 #include "apps/command_line.h"
+#include "apps/contact_folder_choice.h"
 #include "apps/exit_status.h"
 #include "apps/organizer_check.h"
 #include "apps/silent_run.h"
@@ -110,7 +111,7 @@ bool openTablesAndStores() {
         return false;
     }
     trace(u"Debug: Check4Outlook");
-    return !cancelledInSilentRun();
+    return step(useChosenFolder(), &RunState::organizerFailed) && !cancelledInSilentRun();
 }
 
 /// The settings reach the disk only now: a second start must not write while another one runs. A
@@ -136,9 +137,13 @@ void CheckWindowsVersion() {
     app.core.WindowsNTFlag = kTrue; // texts are wide here, as on that family
 }
 
+bool startWithSettings() {
+    return readSettings() && Check4PrevInstance();
+}
+
 bool TDLInitialize() {
     return trapped({kModule, u"TDLInitialize"}, false, [](bool& result) {
-        if (!readSettings() || !Check4PrevInstance()) {
+        if (!startWithSettings()) {
             return;
         }
         saveStartSettings();

@@ -12,6 +12,10 @@ void CheckWindowsVersion();
 /// All set-up, in its fixed order; false means that the run must end.
 bool TDLInitialize();
 
+/// The beginning of every start: settings, words and language, and the question for another
+/// instance. False means that the run must end; its state says why. A failure goes to the caller.
+bool startWithSettings();
+
 /// True when this is the only instance and it may go on.
 bool Check4PrevInstance();
 

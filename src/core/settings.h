@@ -121,6 +121,10 @@ void RegValGet();
 /// no size is known (0 by 0: no window was ever shown) the stored geometry is left alone.
 bool RegValSet(bool withPort);
 
+/// Stores the four settings of the contact folder at once and no other: a choice that the user made
+/// for good, though an unattended run keeps no setting. Throws what the store throws.
+void RegFolderSet();
+
 /// The frame of `SyncEintraegevonbis` as it is stored: "YYYY-MM-DD", a tab, "YYYY-MM-DD 23:59:59".
 Text spanForSettings(Date from, Date to);
 

@@ -47,6 +47,9 @@ constexpr auto kWriteOrder = std::to_array<TextView>({u"ReadOnStart",
                                                       u"DateRange",
                                                       u"ActiveAPP"});
 
+constexpr auto kFolderOrder =
+    std::to_array<TextView>({u"FolderParent", u"FolderName", u"FolderEntryID", u"FolderStoreID"});
+
 constexpr auto kGeometryOrder = std::to_array<TextView>(
     {u"WindowState", u"Width", u"Height", u"Top", u"Left", u"Button_Width"});
 
@@ -122,6 +125,11 @@ bool RegValCreate() {
         // Not saved here: the start first has to know that no other instance is active.
         return written;
     });
+}
+
+void RegFolderSet() {
+    std::ranges::for_each(kFolderOrder, writeSetting);
+    app.ports.settings->save();
 }
 
 bool RegValSet(bool withPort) {

@@ -193,6 +193,8 @@ struct Note {
 /// cancel ends with its action where a user has the window.
 struct RunState {
     bool usage = false;
+    /// What the user is told of it; empty: that there is no window, and the help.
+    Text usageReason;
     bool phoneFailed = false;
     bool organizerFailed = false;
     bool cancelled = false;
@@ -208,6 +210,8 @@ struct RunState {
     bool dryRun = false;
     /// `--max-remove`; negative stands for no limit.
     std::int64_t maxRemove = -1;
+    /// `--contact-folder`; empty stands for the folder of the settings.
+    Text contactFolder;
     /// Reported failures, from the first step on.
     std::int32_t failures = 0;
     std::int32_t phoneRead = 0;

@@ -6,7 +6,8 @@
 A scenario holds
     phone/ organizer/ settings.toml   both sides before the run; taken from the scenario that `like` names where missing
     command                           the arguments, a line for each run; the two sides, settings, home and --json are added
-    how.json                          optional: like, day, env, bare, locked, terminated, killed
+    how.json                          optional: like, day, env, bare, locked, terminated, killed; then: the arguments of the
+                                      last run, where they are not those of the first
     expected/result.json              exit and what else is compared, see `check_result`
     expected/phone/                   what differs from phone/ afterwards; "phoneGone" in result.json names what is gone
     expected/stdout.txt, expected/home/, expected/khal.txt
@@ -30,7 +31,7 @@ from pathlib import Path
 
 DAY = "2027-03-01 12:00:00"
 SIDES = ["--phone", "dir:phone", "--organizer", "folder:organizer", "--settings", "settings.toml", "--home", "home"]
-UUID_FILE = re.compile(r"(?:calendar|contacts/Kontakte)/([0-9a-f]{8}(?:-[0-9a-f]{4}){3}-[0-9a-f]{12})\.(?:ics|vcf)")
+UUID_FILE = re.compile(r"(?:calendar|contacts/[^.]+)/([0-9a-f]{8}(?:-[0-9a-f]{4}){3}-[0-9a-f]{12})\.(?:ics|vcf)")
 TIMEOUT = 60
 
 
@@ -313,7 +314,7 @@ def check_files(scenario, settings, outcome):
 
 
 def second_run(scenario, line, before):
-    outcome = scenario.run(line, "--json")
+    outcome = scenario.run(scenario.how.get("then", line), "--json")
     expect("exit status of the second run", outcome["exit"], scenario.result.get("second", scenario.result["exit"]))
     expect("files changed by the second run",
            [side for side in before if before[side] != scenario.state()[side]], [])

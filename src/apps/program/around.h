@@ -16,4 +16,15 @@ struct Around {
     std::function<std::unique_ptr<StoreFiles>(StoreSide, std::unique_ptr<StoreFiles>)> files;
 };
 
+/// What `make` makes, with `around` put around it if there is one.
+template <class Side>
+std::function<std::unique_ptr<Side>()>
+madeAround(std::function<std::unique_ptr<Side>()> make,
+           std::function<std::unique_ptr<Side>(std::unique_ptr<Side>)> around) {
+    if (!around) {
+        return make;
+    }
+    return [make = std::move(make), around = std::move(around)] { return around(make()); };
+}
+
 } // namespace tandolin::program

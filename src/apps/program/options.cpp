@@ -9,6 +9,7 @@
 #include <array>
 #include <cctype>
 #include <functional>
+#include <span>
 
 namespace tandolin::program {
 
@@ -39,8 +40,7 @@ not reached or not read (nothing was written); 5 stopped; 6 another instance is 
 failed.)";
 
 /// Options that come with a later version; each is refused with one sentence, nothing is touched.
-constexpr std::array kNotBuilt{"--list-folders", "--list-ports", "--test-phone",
-                               "--contact-folder"};
+constexpr std::array kNotBuilt{"--list-ports", "--test-phone"};
 
 bool isOption(const std::string& argument) {
     return argument.starts_with("--");
@@ -101,6 +101,10 @@ void define(CLI::App& cli, Options& options, std::vector<std::string>& sets, std
     cli.add_option("--only", options.only,
                    "with --restore: phone, organizer, or the name of one entry's file or its UID");
     cli.add_flag("--list-backups", options.listBackups, "the copies there are, newest first");
+    cli.add_flag("--list-folders", options.listFolders,
+                 "the organizer's contact folders, the one in use marked");
+    cli.add_option("--contact-folder", options.contactFolder,
+                   "NAME, Parent\\Name or path: work on this contact folder from now on");
     cli.add_option("--max-remove", limit,
                    "stop before the first write when more than N (or all) would be removed");
     cli.add_flag("--quiet", options.quiet, "failures only");
@@ -137,24 +141,32 @@ std::optional<std::string> takeLimit(const std::string& limit, Options& options)
     return std::nullopt;
 }
 
-/// What has a meaning beside the commands of the way back.
-constexpr std::array kWithRestore{"--restore",    "--only",    "--phone",
-                                  "--organizer",  "--dry-run", "--no-backup",
-                                  "--max-remove", "--json",    "--quiet"};
-constexpr std::array kWithList{"--list-backups", "--json", "--quiet"};
+constexpr std::array kWithRestore{"--only",      "--phone",      "--organizer", "--dry-run",
+                                  "--no-backup", "--max-remove", "--json",      "--quiet"};
+constexpr std::array kWithListBackups{"--json", "--quiet"};
+constexpr std::array kWithListFolders{"--organizer", "--json", "--quiet"};
 /// What may stand in every call of a script: without effect, and no mistake.
 constexpr std::array kWithAll{"--settings", "--home", "--verbose"};
 
+/// An option that is a command of its own, and what has a meaning beside it.
+struct Command {
+    const char* name;
+    std::span<const char* const> options;
+};
+
+constexpr std::array kCommands{Command{"--restore", kWithRestore},
+                               Command{"--list-backups", kWithListBackups},
+                               Command{"--list-folders", kWithListFolders}};
+
 /// The first option that would have no effect beside the command.
-template <std::size_t Size>
-std::optional<std::string> firstWithoutMeaning(const CLI::App& cli,
-                                               const std::array<const char*, Size>& known) {
+std::optional<std::string> firstWithoutMeaning(const CLI::App& cli, const Command& command) {
     for (const CLI::Option* option : cli.get_options()) {
         const std::string name = option->get_name();
         const auto isIn = [&name](const auto& names) {
             return std::ranges::find(names, name) != names.end();
         };
-        if (option->count() > 0 && option->nonpositional() && !isIn(known) && !isIn(kWithAll)) {
+        if (option->count() > 0 && option->nonpositional() && name != command.name &&
+            !isIn(command.options) && !isIn(kWithAll)) {
             return name;
         }
     }
@@ -166,32 +178,49 @@ bool isEmpty(const CLI::App& cli, const char* name, const std::optional<std::str
     return cli.count(name) > 0 && value.value_or("").empty();
 }
 
-/// The way back is a command of its own: what stands beside it must not be taken for a run.
+/// A command of its own: what stands beside it must not be taken for a run.
 std::optional<std::string> commandsThatClash(const CLI::App& cli, const Options& options) {
+    std::vector<Command> commands;
+    std::ranges::copy_if(kCommands, std::back_inserter(commands),
+                         [&cli](const Command& command) { return cli.count(command.name) > 0; });
+    if (commands.empty()) {
+        return std::nullopt;
+    }
+    const std::string name = commands.front().name;
+    if (commands.size() > 1) {
+        return name + " and " + commands[1].name + " are two commands; give one";
+    }
+    if (!options.words.empty() || options.inspect) {
+        return name + " is a command of its own: no words and no --inspect beside it";
+    }
+    const auto idle = firstWithoutMeaning(cli, commands.front());
+    return idle ? std::optional(*idle + " has no meaning beside " + name) : std::nullopt;
+}
+
+/// The names of the settings that `--contact-folder` chooses.
+bool isFolderSetting(const std::string& name) {
+    return name.starts_with("Folder");
+}
+
+std::optional<std::string> valuesThatMiss(const CLI::App& cli, const Options& options) {
     if (cli.count("--only") > 0 && cli.count("--restore") == 0) {
         return "--only goes with --restore DIR";
     }
     if (isEmpty(cli, "--only", options.only)) {
         return "--only needs phone, organizer, or the name of an entry's file or its UID";
     }
-    if (options.restore && options.listBackups) {
-        return "--restore and --list-backups are two commands; give one";
-    }
-    if ((options.restore || options.listBackups) && (!options.words.empty() || options.inspect)) {
-        return std::string(options.restore ? "--restore" : "--list-backups") +
-               " is a command of its own: no words and no --inspect beside it";
-    }
     if (isEmpty(cli, "--restore", options.restore)) {
         return "--restore needs the directory of a copy; --list-backups shows them";
     }
-    if (!options.restore && !options.listBackups) {
-        return std::nullopt;
+    if (isEmpty(cli, "--contact-folder", options.contactFolder)) {
+        return "--contact-folder needs the name of a folder; --list-folders shows them";
     }
-    const auto idle = options.restore ? firstWithoutMeaning(cli, kWithRestore)
-                                      : firstWithoutMeaning(cli, kWithList);
-    return idle ? std::optional(*idle + " has no meaning beside " +
-                                (options.restore ? "--restore" : "--list-backups"))
-                : std::nullopt;
+    const bool setToo = std::ranges::any_of(
+        options.settings, [](const auto& setting) { return isFolderSetting(setting.first); });
+    if (options.contactFolder && setToo) {
+        return "--contact-folder and --set both choose the contact folder; give one";
+    }
+    return std::nullopt;
 }
 
 std::optional<std::string> namesNotBuilt(const std::vector<std::string>& arguments) {
@@ -255,8 +284,10 @@ Parsed parseOptions(const std::vector<std::string>& arguments) {
             return usage(*problem);
         }
     }
-    if (const auto problem = commandsThatClash(cli, parsed.options)) {
-        return usage(*problem);
+    for (const auto& check : {commandsThatClash, valuesThatMiss}) {
+        if (const auto problem = check(cli, parsed.options)) {
+            return usage(*problem);
+        }
     }
     if (parsed.options.inspect && parsed.options.files.empty()) {
         return usage("--inspect needs at least one file");

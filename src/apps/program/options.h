@@ -27,6 +27,8 @@ struct Options {
     std::optional<std::string> restore; ///< the copy to go back to
     std::optional<std::string> only;    ///< phone, organizer or an entry's name; nothing: all
     bool listBackups = false;
+    bool listFolders = false;
+    std::optional<std::string> contactFolder; ///< nothing: the one of the settings
     bool quiet = false;
     bool verbose = false;
     std::vector<std::string> words;

@@ -4,6 +4,7 @@
 #include "apps/program/backups.h"
 #include "apps/program/copies.h"
 #include "apps/program/inspect.h"
+#include "apps/program/list_folders.h"
 #include "apps/program/report.h"
 #include "apps/program/restore.h"
 #include "apps/program/stores.h"
@@ -62,14 +63,10 @@ std::optional<int> endsAtOnce(const Options& options, std::ostream& errors) {
 }
 
 void connectStores(Stores& stores, Copies& copies, const Around& around) {
-    app.ports.makePhoneServer = [make = stores.makePhone, around = around.phone, &copies] {
-        auto phone = make();
-        return copies.recorded(around ? around(std::move(phone)) : std::move(phone));
+    app.ports.makePhoneServer = [make = madeAround(stores.makePhone, around.phone), &copies] {
+        return copies.recorded(make());
     };
-    app.ports.makeOrganizer = [make = stores.makeOrganizer, around = around.organizer] {
-        auto organizer = make();
-        return around ? around(std::move(organizer)) : std::move(organizer);
-    };
+    app.ports.makeOrganizer = madeAround(stores.makeOrganizer, around.organizer);
 }
 
 void warnOfUnknownWords(const Options& options, std::ostream& errors) {
@@ -134,11 +131,12 @@ int silentRun(const std::string& programPath, const std::vector<std::string>& ar
     } else {
         LogInitlogSummaryform();
     }
+    wiring.closeScreen();
     if (app.run.usage) {
-        errors << kNoWindow << "\n\n" << helpText();
+        errors << (app.run.usageReason.empty() ? kNoWindow + ("\n\n" + helpText())
+                                               : toUtf8(app.run.usageReason) + '\n');
         return static_cast<int>(ExitStatus::usage);
     }
-    wiring.closeScreen();
     return report(
         options,
         {phone.value_or(""), organizer.value_or(""), {}, ExitStatus::done, copies.directory()}, out,
@@ -161,6 +159,9 @@ int command(const std::string& programPath, const std::vector<std::string>& argu
     }
     if (options.listBackups) {
         return listBackups(options, out, errors);
+    }
+    if (options.listFolders) {
+        return listFolders(options, out, errors, around);
     }
     if (options.restore) {
         return restoreRun(options, out, errors, around);

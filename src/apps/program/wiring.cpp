@@ -76,6 +76,7 @@ Wiring::Wiring(const Options& options, std::ostream& errors)
     app.core.explain = options.verbose ? noteExplanation : nullptr;
     app.run.dryRun = options.dryRun;
     app.run.maxRemove = options.maxRemove;
+    app.run.contactFolder = fromUtf8(options.contactFolder.value_or(""));
     app.phone.acceptEmptyPhone = options.acceptEmptyPhone;
     listening = {{}, &errors};
 }
