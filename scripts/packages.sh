@@ -3,7 +3,7 @@
 
 toBuild=(g++ cmake ninja-build pkg-config gettext tzdata
     libical-dev libtomlplusplus-dev libcli11-dev nlohmann-json3-dev nettle-dev)
-toTest=(doctest-dev faketime khal python3 strace)
+toTest=(doctest-dev faketime khal khard python3 strace vdirsyncer)
 # clang does not bring its run-time libraries, which hold libFuzzer and the sanitizers.
 toFuzz=(clang libclang-rt-14-dev)
 

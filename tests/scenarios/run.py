@@ -10,7 +10,8 @@ A scenario holds
                                       last run, where they are not those of the first
     expected/result.json              exit and what else is compared, see `check_result`
     expected/phone/                   what differs from phone/ afterwards; "phoneGone" in result.json names what is gone
-    expected/stdout.txt, expected/home/, expected/khal.txt
+    expected/stdout.txt, expected/home/
+    expected/khal.txt, expected/khard.txt, "vdirsyncer" in result.json   other programs on the organizer: see peers.py
 
 With one line in `command` the same arguments run three times: with --dry-run, which must change nothing and tell what the
 second run then does; in earnest; and once more, which must find nothing to do. Everything else that a scenario does not
@@ -29,6 +30,9 @@ import sys
 import tempfile
 from pathlib import Path
 
+import peers
+from files import tree
+
 DAY = "2027-03-01 12:00:00"
 SIDES = ["--phone", "dir:phone", "--organizer", "folder:organizer", "--settings", "settings.toml", "--home", "home"]
 UUID_FILE = re.compile(r"(?:calendar|contacts/[^.]+)/([0-9a-f]{8}(?:-[0-9a-f]{4}){3}-[0-9a-f]{12})\.(?:ics|vcf)")
@@ -42,11 +46,6 @@ class Mismatch(Exception):
 def expect(what, actual, wanted):
     if actual != wanted:
         raise Mismatch(f"{what}\n  is     {actual!r}\n  wanted {wanted!r}")
-
-
-def tree(folder):
-    """Relative path to bytes of every file below."""
-    return {str(p.relative_to(folder)): p.read_bytes() for p in sorted(folder.rglob("*")) if p.is_file()}
 
 
 def differences(before, after):
@@ -232,34 +231,6 @@ def check_result(result, outcome):
         expect(f"standard output holds {words!r}", words in outcome["out"], True)
 
 
-def check_khal(scenario):
-    wanted = scenario.folder / "expected/khal.txt"
-    if not wanted.exists():
-        return
-    zone = scenario.environment()["TZ"]
-    config = scenario.copy / "khal.conf"
-    config.write_text(f"""[calendars]
-[[organizer]]
-path = {scenario.copy}/organizer/calendar
-[sqlite]
-path = {scenario.copy}/khal.db
-[locale]
-local_timezone = {zone}
-default_timezone = {zone}
-timeformat = %H:%M
-dateformat = %Y-%m-%d
-longdateformat = %Y-%m-%d
-datetimeformat = %Y-%m-%d %H:%M
-longdatetimeformat = %Y-%m-%d %H:%M
-""")
-    lines = wanted.read_text().splitlines()
-    command = ["khal", "-c", str(config), "list", "--day-format", "", "--format",
-               "{start-date} {start-time} {title}", *lines[0].split()]
-    done = subprocess.run(command, env=scenario.environment(), capture_output=True, timeout=TIMEOUT)
-    expect("khal's exit status", (done.returncode, done.stderr.decode()), (0, ""))
-    expect("khal's list", [line for line in done.stdout.decode().splitlines() if line], lines[1:])
-
-
 def check_dry_run(scenario, line):
     before = scenario.everything()
     outcome = scenario.run(line, "--dry-run", "--json")
@@ -295,7 +266,8 @@ def one_command(scenario, line):
     if "organizer" in before:
         check_new_items(before["organizer"], after["organizer"], result.get("newItems", []))
     check_files(scenario, settings, real)
-    check_khal(scenario)
+    for what, actual, wanted in peers.checks(scenario):
+        expect(what, actual, wanted)
     if not scenario.stopped:
         second_run(scenario, line, after)
 
