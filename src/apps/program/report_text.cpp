@@ -41,9 +41,10 @@ void writeContactRows(std::ostream& out, bool failedOnly) {
     for (log.MoveFirst(); !log.atEnd(); log.MoveNext()) {
         const bool failed = log[conlog::Error] == tr(ids::kYes);
         if (failed || !failedOnly) {
+            const TextView name = log[conlog::Name];
             const TextView phone = log[conlog::Phone];
             out << toUtf8(log[conlog::Transfer]) << ' ' << toUtf8(log[conlog::Action]) << ' '
-                << lineOf(log[conlog::Name]) << (phone.empty() ? "" : ", " + lineOf(phone))
+                << lineOf(name) << (name.empty() || phone.empty() ? "" : ", ") << lineOf(phone)
                 << failedWords(failed, log[conlog::ErrorDesc]);
         }
     }
