@@ -5,7 +5,6 @@
 #include "organizer/contact_members.h"
 #include "organizer/contact_reading.h"
 #include "organizer/logged_write.h"
-#include "store/row_operations.h"
 #include "sync/contact_queue.h"
 
 namespace tandolin {
@@ -32,7 +31,7 @@ void createItem(Table<Contact>& row) {
     item->set(newContact(row));
     saveOnce(*item, isStored);
     const ContactFacts stored = item->facts();
-    SetUID(tables.RSContactsSave, Text(row[con::EntryID]), stored.EntryID);
+    tellQueuedWrites(Text(row[con::EntryID]), con::UID, stored.EntryID);
     row.set(con::UID, stored.EntryID);
     row.set(con::CreationDate, stored.CreationTime);
     if (!app.sync.GlobalTransferActive) {

@@ -8,6 +8,7 @@
 #include "phone/phone_info.h"
 #include "sync/contact_queue.h"
 
+#include <optional>
 #include <utility>
 
 namespace tandolin {
@@ -30,28 +31,41 @@ void countRemoval() {
     app.phone.vCardRead = flagOf(app.phone.vCardEntryCount >= 0);
 }
 
-bool isKnown(TextView name) {
+/// Does the program know a contact of the phone under this name? While a transfer is repeated the
+/// queue alone tells of those that it has sent.
+bool isKnown(const Text& name) {
     Table<Contact>& table = tables.RSContacts;
     const KeepPosition keep(table);
     table.MoveFirst();
-    return table.Find(con::MobileID, name);
+    for (; table.Find(con::MobileID, name); table.MoveNext()) {
+        if (table[con::Mobile]) {
+            return true;
+        }
+    }
+    return isWrittenInQueue(name);
+}
+
+[[noreturn]] void failNotFound() {
+    throw Failure(failure_number::kNewEntryNotFound, tr(ids::kNewEntryNotFound), Text(kSend.proc));
 }
 
 /// Of a new contact that was sent without an answer nobody knows whether the phone has it, and
-/// under which name. The one stored last tells: sent once more it would be there twice.
-bool arrivedUnanswered(const Text& object) {
+/// under which name. The one stored last tells: sent once more it would be there twice. Nothing
+/// where the phone does not say.
+std::optional<bool> arrivedUnanswered(const Text& object) {
     const MobilePaths& paths = app.phone.GlobalMobilePaths;
-    bool arrived = false;
+    std::optional<bool> arrived;
     if (object == app.phone.storedContact) {
         return false; // the one stored last is its namesake
     }
     static_cast<void>(attempt([&] {
         Text name;
         Text there;
-        arrived = phoneServer() && getvCardMobileEntryName(phoneServer(), name, paths) &&
-                  !isKnown(name) &&
-                  readObjectText(*phoneServer(), paths.phoneBookDirectory, name, there) &&
-                  there == object;
+        if (phoneServer() && getvCardMobileEntryName(phoneServer(), name, paths)) {
+            arrived = !isKnown(name) &&
+                      readObjectText(*phoneServer(), paths.phoneBookDirectory, name, there) &&
+                      there == object;
+        }
     }));
     return arrived;
 }
@@ -63,22 +77,31 @@ bool writeObject(const Text& object, TextView fileName) {
 
 bool storeNew(const Text& object) {
     Text& unanswered = app.phone.unansweredContact;
-    const bool stored = (unanswered == object && arrivedUnanswered(object)) ||
-                        writeObject(object, kNewObject) || arrivedUnanswered(object);
+    bool stored = false;
+    if (unanswered == object) {
+        const auto arrived = arrivedUnanswered(object);
+        if (!arrived) {
+            failNotFound();
+        }
+        stored = *arrived;
+    }
+    stored = stored || writeObject(object, kNewObject) || arrivedUnanswered(object).value_or(false);
     (stored ? app.phone.storedContact : unanswered) = object;
     (stored ? unanswered : app.phone.storedContact).clear();
     return stored;
 }
 
-/// The phone has chosen the number.
+/// The phone has chosen the number. One that another contact has is an old answer; under it the
+/// next change would go over that contact.
 void takeName(Table<Contact>& row) {
     Text name;
-    if (!getvCardMobileEntryName(phoneServer(), name, app.phone.GlobalMobilePaths)) {
+    if (!getvCardMobileEntryName(phoneServer(), name, app.phone.GlobalMobilePaths) ||
+        isKnown(name)) {
         std::swap(app.phone.unansweredContact, app.phone.storedContact);
-        throw Failure(failure_number::kNewEntryNotFound, tr(ids::kNewEntryNotFound),
-                      Text(kSend.proc));
+        failNotFound();
     }
     row.set(con::MobileID, name);
+    forgetRemovalOf(name);
 }
 
 bool sendNow(Table<Contact>& row, bool wantName) {
@@ -105,12 +128,26 @@ bool sendNow(Table<Contact>& row, bool wantName) {
     return true;
 }
 
-void removeObject(const MobilePaths& paths, TextView name) {
+bool isGone(const MobilePaths& paths, const Text& name) {
+    bool gone = false;
+    static_cast<void>(attempt([&] {
+        Text there;
+        gone = !readObjectText(*phoneServer(), paths.phoneBookDirectory, name, there);
+    }));
+    return gone;
+}
+
+/// A removal of which only the answer was lost is done. Tried again it could hit a new contact: the
+/// phone gives the number away.
+void removeObject(const MobilePaths& paths, const Text& name) {
     const auto& server = phoneServer();
     if (!server) {
         throw Failure(failure_number::kNoPhoneServer, tr(ids::kNoPhoneServer));
     }
-    server->PXDDelete(paths.phoneBookDirectory + Text(name));
+    const auto failure = attempt([&] { server->PXDDelete(paths.phoneBookDirectory + name); });
+    if (failure && !isGone(paths, name)) {
+        throw Failure(*failure);
+    }
 }
 
 } // namespace
@@ -141,12 +178,15 @@ bool RemoveEntryFromMobile(Flag /*connected*/, const MobilePaths& paths, Table<C
             if (row[con::MobileID].empty()) {
                 return;
             }
-            removeObject(paths, row[con::MobileID]);
+            removeObject(paths, Text(row[con::MobileID]));
         }
         if (!app.sync.GlobalTransferActive) {
             countRemoval();
         }
         logTransfer(row, ids::kDeleted, here);
+        // The number can be another contact's from now on.
+        row.set(con::MobileID, u"");
+        row.set(con::EntryFile, u"");
         result = true;
     });
 }

@@ -187,8 +187,10 @@ bool getvCardMobileEntryName(std::unique_ptr<PhoneServer>& server, Text& name,
                              const MobilePaths& paths) {
     static constexpr Place here{kModule, u"getvCardMobileEntryName"};
     return trapped(here, false, [&](bool& read) {
+        constexpr std::int16_t kNotTold = -1;
         name.clear();
-        if (readPhoneBookInfo(server, paths)) {
+        app.phone.LastUsedIndex = kNotTold; // a status file that came short keeps what it was
+        if (readPhoneBookInfo(server, paths) && app.phone.LastUsedIndex != kNotTold) {
             noteConnected();
             name = decimal(app.phone.LastUsedIndex) + u".vcf";
             read = true;

@@ -58,6 +58,13 @@ bool dropFirstWrite(Table<Contact>& row, std::int32_t target) {
     return waited;
 }
 
+/// A removal that fails and is tried again behind the write would cost what was written.
+void dropRemoval(const Table<Contact>& row) {
+    if (!row[con::MobileID].empty() && findQueued(row, kToPhone, kTransferRemove)) {
+        tables.RSContactsSave.Delete();
+    }
+}
+
 /// True when the removal is new in the queue, which stands on it.
 bool putRemoval(Table<Contact>& row) {
     Table<Contact>& queue = tables.RSContactsSave;
@@ -81,6 +88,7 @@ void queueContactPhoneWrite(Table<Contact>& row) {
     row.set(con::TransferMode, kTransferWrite);
     row.set(con::TransferNew, kToPhone);
     giveKey(row);
+    dropRemoval(row);
     putCopy(row);
     showSaveTool();
 }
@@ -131,6 +139,38 @@ bool queueContactOrganizerRemoval(Table<Contact>& row) {
     queue.set(con::Mobile, false);
     showSaveTool();
     return isNewHere;
+}
+
+bool isWrittenInQueue(const Text& mobileID) {
+    Table<Contact>& queue = tables.RSContactsSave;
+    const KeepPosition keep(queue);
+    for (queue.MoveFirst(); queue.Find(con::MobileID, mobileID); queue.MoveNext()) {
+        if (queue[con::TransferNew] == kToPhone && queue[con::TransferMode] != kTransferRemove) {
+            return true;
+        }
+    }
+    return false;
+}
+
+void forgetRemovalOf(const Text& mobileID) {
+    Table<Contact>& queue = tables.RSContactsSave;
+    const KeepPosition keep(queue);
+    if (findAction(
+            queue, kToPhone, kTransferRemove, [&] { return queue.Find(con::MobileID, mobileID); },
+            [] { return true; })) {
+        queue.set(con::TransferMode, kTransferDone);
+    }
+}
+
+void tellQueuedWrites(const Text& entryID, Field<Contact, Text> field, const Text& value) {
+    Table<Contact>& queue = tables.RSContactsSave;
+    const KeepPosition keep(queue);
+    queue.MoveFirst();
+    for (; isEntryKey(entryID) && queue.Find(con::EntryID, entryID); queue.MoveNext()) {
+        if (queue[con::TransferMode] != kTransferRemove) {
+            queue.set(field, value);
+        }
+    }
 }
 
 void vcardSaveKontrolle(Table<Contact>& table, TextView key, bool /*pimFlag*/,

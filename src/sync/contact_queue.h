@@ -11,7 +11,7 @@ namespace tandolin {
 Text freshContactKey();
 
 /// Queues the row as a write to the phone. A write of the same object that waits already is
-/// replaced. `TDLSave` is shown.
+/// replaced, and a removal of it falls away: the write replaces the object. `TDLSave` is shown.
 void queueContactPhoneWrite(Table<Contact>& row);
 
 /// Queues the row as a write to the organizer, `isNew` for one that has no item yet. A write of the
@@ -26,6 +26,17 @@ bool queueContactPhoneRemoval(Table<Contact>& row);
 
 /// The same for the organizer's item.
 bool queueContactOrganizerRemoval(Table<Contact>& row);
+
+/// Does the queue hold a write to the phone under this name, done or not?
+bool isWrittenInQueue(const Text& mobileID);
+
+/// The phone has given this name to a new contact, so the object that was to be removed under it is
+/// gone: its removal counts as done.
+void forgetRemovalOf(const Text& mobileID);
+
+/// A created item's identifier goes to the writes that wait under this key. A removal that waits
+/// there is one of the item before.
+void tellQueuedWrites(const Text& entryID, Field<Contact, Text> field, const Text& value);
 
 /// Drops what the queue holds for the same side as its current row and for the key, but for
 /// removals. The key is a `MobileID` where the current row has one, else an `EntryID`; the two

@@ -4,7 +4,6 @@
 #include "organizer/contact_writing.h"
 #include "organizer/removal.h"
 #include "phone/contact_writing.h"
-#include "store/row_operations.h"
 #include "sync/contact_queue.h"
 #include "sync/status_arrays.h"
 #include "sync/transfer_queue.h"
@@ -56,7 +55,7 @@ bool sendRow(Table<Contact>& queue) {
         return false;
     }
     queue.set(con::TransferMode, kTransferDone);
-    SetMobileID(queue, Text(queue[con::EntryID]), Text(queue[con::MobileID]));
+    tellQueuedWrites(Text(queue[con::EntryID]), con::MobileID, Text(queue[con::MobileID]));
     tellRow(queue, mark, [&queue](Table<Contact>& main) {
         main.set(con::MobileID, queue[con::MobileID]);
         main.set(con::EntryFile, queue[con::MobileID]);
@@ -70,7 +69,6 @@ bool writeRow(Table<Contact>& queue) {
         return false;
     }
     queue.set(con::TransferMode, kTransferDone);
-    SetUID(queue, Text(queue[con::EntryID]), Text(queue[con::UID]));
     tellRow(queue, mark, [&queue](Table<Contact>& main) {
         main.set(con::UID, queue[con::UID]);
         main.set(con::PIMNew, false);
@@ -80,6 +78,26 @@ bool writeRow(Table<Contact>& queue) {
     return true;
 }
 
+/// The number can be another contact's from now on, which must not be taken for this one.
+void forgetObject(const Text& mobileID) {
+    Table<Contact>& main = tables.RSContacts;
+    const KeepPosition keep(main);
+    for (main.MoveFirst(); main.Find(con::MobileID, mobileID); main.MoveNext()) {
+        main.set(con::MobileID, u"");
+        main.set(con::EntryFile, u"");
+    }
+}
+
+bool removeFromPhoneNow(Table<Contact>& queue) {
+    const Text mobileID(queue[con::MobileID]);
+    const bool done =
+        RemoveEntryFromMobile(app.phone.MobileConnected, app.phone.GlobalMobilePaths, queue);
+    if (done && !mobileID.empty()) {
+        forgetObject(mobileID);
+    }
+    return done;
+}
+
 bool act(Table<Contact>& queue, TransferAction action) {
     switch (action) {
     case send:
@@ -87,7 +105,7 @@ bool act(Table<Contact>& queue, TransferAction action) {
     case write:
         return writeRow(queue);
     case removeFromPhone:
-        return RemoveEntryFromMobile(app.phone.MobileConnected, app.phone.GlobalMobilePaths, queue);
+        return removeFromPhoneNow(queue);
     case removeFromOrganizer:
         return RemoveEntryFromOutlook(queue);
     default:

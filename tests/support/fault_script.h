@@ -45,16 +45,27 @@ struct FaultScript {
     std::string faultyCall; ///< its name and, on the phone, its path
     bool objectCut = false; ///< the short answer was half of an object, and not of nothing
     bool readFailed = false;
+    /// What failed was only the question whether a place of the calendar is free. The contacts,
+    /// which are read behind it, may be written.
+    bool onlyPlaceFailed = false;
     std::string writeAfterFailedRead;
+    int writesBefore = 0;     ///< asked for before the faulty call
+    int writesSinceFault = 0; ///< and behind it
     std::string writeDoneTwice;
     std::set<std::string> removed; ///< paths of the objects that went from the phone
+
+    /// Does the name of a call tell that it is one on contacts?
+    static bool isOfContacts(const std::string& name) {
+        return name.find("\\pb\\") != std::string::npos ||
+               name.find("contact") != std::string::npos;
+    }
 
     /// Runs the call, or what the script makes of it. `spoil` turns the answer of a read into a
     /// short or a stale one.
     template <class Do, class Spoil>
     auto read(bool phone, const std::string& name, Do&& work, Spoil&& spoil) {
         if (!isHit(phone, name, CallKind::read)) {
-            readFailed = readFailed && !(readAgainCounts && name == faultyCall);
+            readFailed = readFailed && !(mayBeAskedAgain(name) && name == faultyCall);
             return work();
         }
         if (!spoilsAnswers(kind)) {
@@ -96,15 +107,28 @@ struct FaultScript {
     /// The side works again, and what is read from now on counts anew.
     void heal() {
         failAt = 0;
-        readFailed = false;
+        readFailed = onlyPlaceFailed = false;
     }
 
+    /// The read of the calendar object that was asked for last, if the phone does not hold it.
+    std::string placeAsked;
+
 private:
+    /// Which number a new contact got is asked behind its write, and once more where the answer is
+    /// lost. A run that cannot read the same file at its start ends at once.
+    [[nodiscard]] bool mayBeAskedAgain(const std::string& name) const {
+        return readAgainCounts || name.ends_with("\\pb\\info.log");
+    }
+
     bool isHit(bool phone, const std::string& name, CallKind called) {
         std::vector<CallKind>& mine = calls[phone ? 1 : 0];
         mine.push_back(called);
-        if (readFailed && called == CallKind::write) {
+        asksForPlace_ = name == placeAsked;
+        if (readFailed && called == CallKind::write && !(onlyPlaceFailed && isOfContacts(name))) {
             writeAfterFailedRead = name;
+        }
+        if (called == CallKind::write) {
+            (faultyCall.empty() ? writesBefore : writesSinceFault) += 1;
         }
         const bool hit = failAt != 0 && phone == onPhone && (mine.size() == failAt || isDead());
         if (hit && faultyCall.empty()) {
@@ -115,7 +139,10 @@ private:
 
     template <class Do>
     [[noreturn]] void fail(Do&& work, CallKind called) {
-        readFailed = readFailed || called == CallKind::read;
+        if (called == CallKind::read) {
+            onlyPlaceFailed = asksForPlace_ && (onlyPlaceFailed || !readFailed);
+            readFailed = true;
+        }
         if (kind == FaultKind::answerLost) {
             work();
         }
@@ -136,6 +163,7 @@ private:
         }
     }
 
+    bool asksForPlace_ = false;
     std::set<std::string> done_;
 };
 

@@ -28,7 +28,7 @@ public:
 
     std::vector<Text> PXDList(TextView path, int flags) override {
         const auto list = [&] { return phone_->PXDList(path, flags); };
-        return script_.read(true, "PXDList", list, [&](std::vector<Text> names) {
+        return script_.read(true, "PXDList " + toUtf8(path), list, [&](std::vector<Text> names) {
             if (script_.kind == FaultKind::shortAnswer) {
                 names.resize(names.size() / 2);
             } else if (!names.empty()) {
@@ -40,12 +40,15 @@ public:
 
     PXDStream PXDRead(TextView path) override {
         const auto read = [&] { return phone_->PXDRead(path); };
+        const bool isPlace = path.ends_with(u".vcs") && !phone_->PXDRead(path).found;
+        script_.placeAsked = isPlace ? "PXDRead " + toUtf8(path) : "";
         PXDStream stream =
             script_.read(true, "PXDRead " + toUtf8(path), read, [&](PXDStream answer) {
                 if (script_.kind == FaultKind::staleAnswer) {
                     return lastRead_.value_or(PXDStream{{}, {}, {}, {}, false});
                 }
-                script_.objectCut = answer.found && path.ends_with(u".vcs");
+                script_.objectCut =
+                    answer.found && (path.ends_with(u".vcs") || path.ends_with(u".vcf"));
                 answer.bytes.resize(answer.bytes.size() / 2);
                 return answer;
             });
@@ -54,7 +57,9 @@ public:
     }
 
     void PXDWrite(TextView path, const PXDStream& stream, int flags) override {
-        script_.write(true, "PXDWrite " + toUtf8(path),
+        // New contacts all go to one name, and the phone chooses the number.
+        const std::string which = path.ends_with(u"new.vcf") ? ' ' + stream.bytes : "";
+        script_.write(true, "PXDWrite " + toUtf8(path) + which,
                       [&] { phone_->PXDWrite(path, stream, flags); });
     }
 
@@ -176,11 +181,11 @@ public:
     void set(const ContactFacts& facts) override { item_->set(facts); }
 
     void Save() override {
-        script_.write(false, "Save " + name(), [&] { item_->Save(); });
+        script_.write(false, "Save contact " + name(), [&] { item_->Save(); });
     }
 
     void Delete() override {
-        script_.write(false, "Delete " + name(), [&] { item_->Delete(); });
+        script_.write(false, "Delete contact " + name(), [&] { item_->Delete(); });
     }
 
 private:
@@ -274,10 +279,13 @@ public:
                              [&] { return organizer_->GetDefaultContactFolder(); });
     }
 
+    /// Each write asks for the folder again: a failure then says nothing of other contacts.
     ContactFolder& GetContactItems(const FolderRecord& record) override {
         const auto open = [&] { return &organizer_->GetContactItems(record); };
-        ContactFolder* folder = script_.read(false, "GetContactItems", open,
-                                             [](ContactFolder* whole) { return whole; });
+        ContactFolder* folder = contacts_
+                                    ? script_.other(false, "GetContactItems", open)
+                                    : script_.read(false, "GetContactItems", open,
+                                                   [](ContactFolder* whole) { return whole; });
         if (!contacts_) {
             contacts_ = std::make_unique<FaultyContacts>(*folder, script_);
         }
