@@ -14,7 +14,7 @@ inline std::string times(const std::string& day, int hour) {
 
 /// Pairs, entries of one side, series, a text that the phone cuts, entries outside the frame. In
 /// mode 1 the phone has too little room, so that five objects go.
-inline void fill(const RunFolder& folder) {
+inline void fillCalendar(const RunFolder& folder) {
     folder.object(1,
                   "CATEGORIES:MISCELLANEOUS\r\n" + times("20270302", 10) + "SUMMARY:Zahnarzt\r\n");
     folder.object(2, "CATEGORIES:MISCELLANEOUS\r\n" + times("20270303", 10) +
@@ -44,6 +44,24 @@ inline void fill(const RunFolder& folder) {
     folder.item("u7",
                 times("20270308", 10) + "SUMMARY:Versammlung des Vereins im grossen Saal\r\n");
     folder.item("u8", times("20280308", 10) + "SUMMARY:Weit weg\r\n");
+}
+
+/// A pair, contacts of one side, one that the phone holds in its cut form.
+inline void fillContacts(const RunFolder& folder) {
+    folder.card(1, "N:Meier;Eva\r\nTEL;HOME:030 1-23\r\n");
+    folder.card(2, "N:Weber;Uli\r\nTEL;CELL:0171 1\r\n");
+    folder.card(4, "N:Kurz;Ein\r\nORG:Nord\r\n");
+    folder.card(5, "N:Oberbaudirektor von Witt;Karl-Theodor Max\r\nTEL;WORK:5\r\n");
+    folder.contact("c1", "N:Meier;Eva;;;\r\nTEL;TYPE=HOME:(030) 123\r\n");
+    folder.contact("c2", "N:Krüger;Jan;;;\r\nTEL;TYPE=WORK:0911/2\r\nORG:Süd\r\n");
+    folder.contact("c3", "N:Lang;Maria-Magdalena-Johanna;;;\r\nCATEGORIES:VIP,Kunden\r\n");
+    folder.contact("c4", "N:Oberbaudirektor von Wittgenstein;Karl-Theodor Maximilian;;;\r\n"
+                         "TEL;TYPE=WORK:5\r\n");
+}
+
+inline void fill(const RunFolder& folder) {
+    fillCalendar(folder);
+    fillContacts(folder);
 }
 
 inline int maximumFor(int mode) {

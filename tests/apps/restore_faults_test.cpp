@@ -86,7 +86,7 @@ struct Written {
     explicit Written(int mode) : folder(maximumFor(mode)) {
         fill(folder);
         before = bothSides(folder);
-        CHECK(folder.run({"--set", "SyncTyp=" + std::to_string(mode), "--json", "VCAL"}).exit == 0);
+        CHECK(folder.run({"--set", "SyncTyp=" + std::to_string(mode), "--json", "BOTH"}).exit == 0);
         after = bothSides(folder);
         const fs::path backups = folder.scratch.path / "state/halverntandolin/backups";
         copy = fs::directory_iterator(backups)->path().filename().string();

@@ -60,6 +60,17 @@ struct RunFolder {
                 "END:VEVENT\r\nEND:VCALENDAR\r\n");
     }
 
+    void card(int number, const std::string& lines) const {
+        put("phone/telecom/pb/" + std::to_string(number) + ".vcf",
+            "BEGIN:VCARD\r\nVERSION:2.1\r\n" + lines + "END:VCARD\r\n");
+    }
+
+    void contact(const std::string& uid, const std::string& lines) const {
+        std::filesystem::create_directories(scratch.path / "organizer/contacts/Kontakte");
+        put("organizer/contacts/Kontakte/" + uid + ".vcf",
+            "BEGIN:VCARD\r\nVERSION:3.0\r\nUID:" + uid + "\r\nFN:x\r\n" + lines + "END:VCARD\r\n");
+    }
+
     [[nodiscard]] Outcome run(std::vector<std::string> arguments,
                               const program::Around& around = {}) const {
         const std::vector<std::string> common{
