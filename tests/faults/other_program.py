@@ -1,4 +1,4 @@
-"""Another program that changes the calendar folder while a run stands still."""
+"""Another program that changes the folder of the calendar or of the contacts while a run stands still."""
 
 from worlds import CREATED, expect
 
@@ -6,17 +6,21 @@ NEW = ("BEGIN:VCALENDAR\r\nVERSION:2.0\r\nPRODID:-//other//other//EN\r\nBEGIN:VE
        "DTSTART:20270309T090000Z\r\nDTEND:20270309T100000Z\r\nSUMMARY:Other\r\nEND:VEVENT\r\nEND:VCALENDAR\r\n")
 
 
+NEW_CARD = ("BEGIN:VCARD\r\nVERSION:3.0\r\nPRODID:-//other//other//EN\r\nUID:other\r\nFN:Other\r\nN:Other;;;;\r\nEND:VCARD\r\n")
+
+
 class OtherProgram:
-    """Changes a calendar folder, and knows what must be found of it afterwards."""
+    """Changes a folder of items or of cards, and knows what must be found of it afterwards."""
 
     def __init__(self, folder):
         self.folder = folder
+        self.suffix, self.new, self.end = (".vcf", NEW_CARD, b"END:VCARD") if "contacts" in folder.parts else (".ics", NEW, b"END:VEVENT")
         self.wrote, self.gone = {}, set()
 
     def victim(self):
         """Rather an item that the disturbed run works on: one that a run has made, or one that it has to copy."""
-        names = sorted(path.name for path in self.folder.iterdir() if path.suffix == ".ics")
-        return min(names, key=lambda name: (not CREATED.search(f"calendar/{name}"), name)) if names else None
+        names = sorted(path.name for path in self.folder.iterdir() if path.suffix == self.suffix)
+        return min(names, key=lambda name: (not CREATED.search(name), name)) if names else None
 
     def write(self, name, content):
         self.wrote[name] = content
@@ -29,16 +33,16 @@ class OtherProgram:
         (self.folder / name).unlink()
 
     def adds(self):
-        self.write("other.ics", NEW.encode())
+        self.write(f"other{self.suffix}", self.new.encode())
 
     def edits(self):
         if name := self.victim():
-            self.write(name, (self.folder / name).read_bytes().replace(b"END:VEVENT", b"LOCATION:Elsewhere\r\nEND:VEVENT"))
+            self.write(name, (self.folder / name).read_bytes().replace(self.end, b"X-ELSEWHERE:1\r\n" + self.end))
 
     def writes_in_place(self):
         if name := self.victim():
             with open(self.folder / name, "r+b") as file:
-                content = file.read().replace(b"END:VEVENT", b"X-OTHER:1\r\nEND:VEVENT")
+                content = file.read().replace(self.end, b"X-OTHER:1\r\n" + self.end)
                 file.seek(0)
                 file.write(content)
             self.wrote[name] = content
@@ -51,8 +55,9 @@ class OtherProgram:
         if name := self.victim():
             content = (self.folder / name).read_bytes()
             self.gone.add(name)
-            (self.folder / name).rename(self.folder / "renamed.ics")
-            self.wrote["renamed.ics"] = content
+            renamed = f"renamed{self.suffix}"
+            (self.folder / name).rename(self.folder / renamed)
+            self.wrote[renamed] = content
 
     def empties_a_file(self):
         if name := self.victim():
@@ -60,7 +65,7 @@ class OtherProgram:
             self.wrote[name] = b""
 
     def empties_the_folder(self):
-        for path in sorted(self.folder.glob("*.ics")):
+        for path in sorted(self.folder.glob(f"*{self.suffix}")):
             self.take(path.name)
 
     def check(self, what):

@@ -27,7 +27,7 @@ from dataclasses import dataclass
 from other_program import CHANGES, OtherProgram
 from worlds import Mismatch, TIMEOUT, World, check_copies, check_whole, entries, expect, expect_same, known_contents
 
-WORLDS = [("mode-4", "sync"), ("full-mode-1-makes-room", "sync"), ("mode-4", "restore")]
+WORLDS = [("mode-4", "sync", "BOTH"), ("full-mode-1-makes-room", "sync", "VCAL"), ("mode-4", "restore", "BOTH")]
 CALL = re.compile(r"^(\w+)\((.*)$")
 NOT_TO_DISTURB = {"execve", "exit_group", "brk", "mmap", "munmap", "mprotect", "arch_prctl"}
 AREAS = [("copies", r"state/halverntandolin/backups"), ("state", r"state\b"), ("settings", r"settings\.toml"),
@@ -52,6 +52,10 @@ class Call:
     def area(self):
         """Whose file it is on; what is written to standard output names files too, but is none."""
         return None if re.match(r"[012]<", self.text) else next((area for area, pattern in AREAS if re.search(pattern, self.text)), None)
+
+    @property
+    def of_contacts(self):
+        return bool(re.search(r"/pb\b|/contacts\b", self.text))
 
     @property
     def lists(self):
@@ -91,9 +95,8 @@ def calls_of(world):
 class Sweep:
     """One world, what an undisturbed run makes of it, and the checks that hold after every disturbance."""
 
-    def __init__(self, program, name, task):
-        self.name = f"{name} {task}"
-        self.world = World(program, name, task)
+    def __init__(self, program, name, task, kinds):
+        self.world = World(program, name, task, kinds)
         self.calls, self.after = calls_of(self.world)
         self.known = known_contents(self.world.files(), self.after.files(), *self.without_phone())
         self.wanted = entries(self.after.state())
@@ -162,7 +165,8 @@ class Sweep:
 
     def disturb(self, call, change):
         twin = self.world.twin()
-        other = OtherProgram(twin.copy / "organizer/calendar")
+        cards = twin.has_contacts and call.of_contacts
+        other = OtherProgram(twin.copy / ("organizer/contacts/Kontakte" if cards else "organizer/calendar"))
         outcome = stop_and_go(twin, call, lambda: change(other))
         expect(f"status: {outcome['errors'][-300:]}", outcome["exit"] in (0, 1, 4), True)
         other.check("after the run")
@@ -191,7 +195,7 @@ def check_status(sweep, twin, call, error, outcome):
         expect(where, "cannot read" in told, True)
         return
     expect(f"{where}: the document", document is not None and document["exit"], status)
-    rows = [row["ErrorDesc"] for row in document.get("calendar", []) if row["Error"]]
+    rows = [row["ErrorDesc"] for kind in ("calendar", "contacts") for row in document.get(kind, []) if row["Error"]]
     reasons = rows + [row["ErrorDesc"] for row in document["errors"]]
     expect(f"{where}: a reason", bool(reasons), True)
     if not sweep.world.restores:  # a restore names the entries in its document
@@ -257,8 +261,8 @@ def main():
         print("strace is missing, nothing was tried")
         return 1
     problems, tried = [], 0
-    for name, task in WORLDS:
-        sweep = Sweep(os.path.abspath(options.program), name, task)
+    for name, task, kinds in WORLDS:
+        sweep = Sweep(os.path.abspath(options.program), name, task, kinds)
         jobs = tries(options.part, sweep, options.every)
         with ThreadPoolExecutor(os.cpu_count()) as pool:
             found = [problem for problem in pool.map(attempt, jobs) if problem]

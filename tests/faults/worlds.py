@@ -19,23 +19,38 @@ if os.access("/dev/shm", os.W_OK):
 
 TIMEOUT = 60
 TEMPORARY = re.compile(r"(^|/)\.tandolin-[^/]*$")
-CREATED = re.compile(r"calendar/[0-9a-f]{8}(-[0-9a-f]{4}){3}-[0-9a-f]{12}\.ics")
-MOMENT = re.compile(rb"^(UID|DTSTAMP|CREATED|LAST-MODIFIED):.*$", re.M)
+CREATED = re.compile(r"(^|/)[0-9a-f]{8}(-[0-9a-f]{4}){3}-[0-9a-f]{12}\.(ics|vcf)$")
+MOMENT = re.compile(rb"^(UID|DTSTAMP|CREATED|LAST-MODIFIED|REV):.*$", re.M)
+CARDS = {  # a pair, and one of each side
+    "phone/telecom/pb/1.vcf": "VERSION:2.1\nN:Meier;Eva\nTEL;HOME:030 1-23\n",
+    "phone/telecom/pb/3.vcf": "VERSION:2.1\nN:Weber;Uli\nTEL;CELL:0171 1\n",
+    "organizer/contacts/Kontakte/c1.vcf": "VERSION:3.0\nUID:c1\nFN:Eva Meier\nN:Meier;Eva;;;\nTEL;TYPE=HOME:(030) 123\n",
+    "organizer/contacts/Kontakte/c2.vcf": "VERSION:3.0\nUID:c2\nFN:Jan Lang\nN:Lang;Jan;;;\nTEL;TYPE=WORK:0911/2\n"}
 
 
 class World(Scenario):
-    """A scenario's two sides. `task` is the run that is disturbed: a sync, or the restore of the sync before it."""
+    """A scenario's two sides, with a few contacts for BOTH. `task` is the run that is disturbed: a sync, or the restore of the
+    sync before it."""
 
-    def __init__(self, program, name, task="sync"):
+    def __init__(self, program, name, task="sync", kinds="VCAL"):
         super().__init__(program, SCENARIOS / name)
         self.lay_out()
+        self.commands = [line.replace("VCAL", kinds) for line in self.commands]
         shutil.rmtree(self.copy / "organizer/contacts", ignore_errors=True)
+        self.has_contacts = kinds == "BOTH"
+        if self.has_contacts:
+            self.lay_out_cards()
         self.untouched = self.state()
         self.restores = task == "restore"
         self.arguments_of_task = [*SIDES, *self.commands[0].split(), "--json"]
         if self.restores:
             self.expect_clean(self.task())
             self.arguments_of_task = ["--restore", self.copies()[0], "--json"]
+
+    def lay_out_cards(self):
+        (self.copy / "organizer/contacts/Kontakte").mkdir(parents=True)
+        for name, lines in CARDS.items():
+            (self.copy / name).write_text(f"BEGIN:VCARD\n{lines}END:VCARD\n", newline="\r\n")
 
     def twin(self):
         """A copy to disturb."""
@@ -104,7 +119,7 @@ def comparable(name, content):
 
 def role(name):
     """New items bear random names, and objects take the numbers that are free."""
-    return "organizer/new" if CREATED.search(name) else re.sub(r"/\d+\.vcs$", "/object", name)
+    return "organizer/new" if CREATED.search(name) else re.sub(r"/\d+\.vc[sf]$", "/object", name)
 
 
 def known_contents(*states):
@@ -129,7 +144,8 @@ def is_whole_status(content):
 
 
 # What depends on how far a run came is judged by its form; all else holds the content of before or of afterwards.
-BY_FORM = {"home/logFile.rtf": is_whole_log, "phone/telecom/cal/info.log": is_whole_status}
+BY_FORM = {"home/logFile.rtf": is_whole_log, "phone/telecom/cal/info.log": is_whole_status,
+           "phone/telecom/pb/info.log": is_whole_status}
 
 
 def check_whole(world, known):
@@ -152,16 +168,19 @@ def check_copies(world):
 
 
 def entries(state):
-    """Text (small and capital letters are one) and start of every entry, counted, for each side."""
+    """Text (small and capital letters are one) and start of every entry, and name of every contact, counted, for each side."""
     found = {}
     for side, names in (("phone", "DESCRIPTION|SUMMARY"), ("organizer", "SUMMARY")):
         texts = [content.decode(errors="replace") for name, content in state[side].items()
-                 if name.lower().endswith((".vcs", ".ics")) and not TEMPORARY.search(name)]
+                 if name.lower().endswith((".vcs", ".ics", ".vcf")) and not TEMPORARY.search(name)]
         found[side] = Counter(entry for text in texts if (entry := entry_of(text, names)))
     return found
 
 
 def entry_of(text, names):
+    if text.startswith("BEGIN:VCARD"):
+        name = re.search(r"^N[^:\n]*:(.*?);*\r?$", text, re.M)
+        return (name.group(1).casefold(), "contact") if name else None
     event = text[text.find("BEGIN:VEVENT"):]
     subject = re.search(rf"^(?:{names})[^:\n]*:(.*?)\r?$", event, re.M)
     start = re.search(r"^DTSTART[^:\n]*:(\w+?)Z?\r?$", event, re.M)
