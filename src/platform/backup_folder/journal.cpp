@@ -115,8 +115,10 @@ private:
     }
 
     void begin(std::string name, Content before, Content after) {
-        const auto [place, isNew] = places_.try_emplace({side_, name}, entries_.size());
+        const auto [place, isFirst] = places_.try_emplace({side_, name}, entries_.size());
+        const bool isNew = isFirst || isWishForName(name);
         if (isNew) {
+            place->second = entries_.size(); // a wish whose name was never learnt stays beside it
             entries_.push_back({{side_, std::move(name), before, {}}, {before}});
         }
         Entry& entry = entries_[place->second];
@@ -160,6 +162,10 @@ private:
 };
 
 } // namespace
+
+bool isWishForName(std::string_view name) {
+    return name.ends_with("/new.vcf");
+}
 
 Journal::Journal(std::filesystem::path path)
     : path_(std::move(path)), file_(uninterrupted([this] {

@@ -32,6 +32,9 @@ struct Change {
     [[nodiscard]] bool isCertain() const { return left.size() == 1 && left.front() != before; }
 };
 
+/// Is it the name under which a new card is handed to the phone, which chooses another one?
+bool isWishForName(std::string_view name);
+
 class Journal {
 public:
     /// Starts a new file; throws when it cannot.

@@ -10,6 +10,11 @@ namespace {
 constexpr std::string_view kNewCard = "/new.vcf";
 constexpr TextView kLastUsed = u"LAST-USED-INDEX:";
 
+[[noreturn]] void failUntold() {
+    throw Failure(failure_number::kServerFailed,
+                  u"the phone does not tell the number of a new card");
+}
+
 /// The name that the phone chose for a new card, as its status file tells.
 std::string chosenName(PhoneServer& phone, std::string_view wish) {
     const std::string folder(wish.substr(0, wish.size() - kNewCard.size() + 1));
@@ -22,8 +27,7 @@ std::string chosenName(PhoneServer& phone, std::string_view wish) {
                                            status.find(u"\r\n", at) - at - kLastUsed.size());
     const auto number = wholeNumber(trimmed(value));
     if (!number) {
-        throw Failure(failure_number::kServerFailed,
-                      u"the phone does not tell the number of a new card");
+        failUntold();
     }
     return folder + std::to_string(*number) + ".vcf";
 }
@@ -65,8 +69,11 @@ void RecordedPhone::noteWhatBecame(const std::string& name, const PXDStream& str
         return;
     }
     const std::string newName = isWish ? chosenName(*phone_, name) : name;
-    const std::string stored =
-        link_.mayRewrite ? CreateArray(phone_->PXDRead(phonePathOf(newName))) : stream.bytes;
+    const std::string stored = CreateArray(phone_->PXDRead(phonePathOf(newName)));
+    if (!link_.mayRewrite && stored != stream.bytes) {
+        // An old answer: what was written before would be taken for the new card.
+        failUntold();
+    }
     observer_.changeBecame(StoreSide::phone, name, newName, stored);
 }
 

@@ -101,7 +101,7 @@ StoredRun openStoredRun(const fs::path& directory) {
 
 void findUnnamed(StoredRun& run, StoreSide side, StoreFiles& files) {
     const auto isWish = [side](const Change& change) {
-        return change.side == side && change.name.ends_with("/new.vcf");
+        return change.side == side && isWishForName(change.name);
     };
     if (std::ranges::none_of(run.changes, isWish)) {
         return;
