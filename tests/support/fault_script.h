@@ -114,10 +114,10 @@ struct FaultScript {
     std::string placeAsked;
 
 private:
-    /// Which number a new contact got is asked behind its write, and once more where the answer is
-    /// lost. A run that cannot read the same file at its start ends at once.
+    /// Where a new contact went is asked behind its write, and once more where the answer is lost.
+    /// A run that cannot read the same file while it reads the phone ends at once.
     [[nodiscard]] bool mayBeAskedAgain(const std::string& name) const {
-        return readAgainCounts || name.ends_with("\\pb\\info.log");
+        return readAgainCounts || name.starts_with("PXDRead \\telecom\\pb\\");
     }
 
     bool isHit(bool phone, const std::string& name, CallKind called) {
