@@ -51,7 +51,7 @@ bool vCardSearchingforOutlookEntry(Table<Contact>& table) {
             if (table[con::PIM]) {
                 break;
             }
-            if (!isInTable(table, item.EntryID)) {
+            if (isReadAsContact(item) && !isInTable(table, item.EntryID)) {
                 pair(table, item);
             }
         }

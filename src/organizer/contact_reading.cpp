@@ -15,12 +15,6 @@ namespace {
 
 constexpr TextView kModule = u"QELOutlook";
 
-/// Neither a list nor a contact that nobody could be told by.
-bool isTaken(const ContactFacts& item) {
-    return item.Class == ContactFacts::kContactClass &&
-           (!item.LastName.empty() || !item.FirstName.empty());
-}
-
 void takeItem(Table<Contact>& table, const ContactFacts& item) {
     const WorkRow row(tables.RSContactsWork, vCardCreateNewRecord);
     Table<Contact>& work = tables.RSContactsWork;
@@ -43,7 +37,7 @@ void readItems(Table<Contact>& table, ContactOrder order) {
     std::int32_t taken = 0;
     for (std::size_t i = 1; i <= count && app.status.GetState(); ++i) {
         const ContactFacts& item = folder.Item(i);
-        if (isTaken(item)) {
+        if (isReadAsContact(item)) {
             app.status.SetText(decimal(++taken) + u": " + tr(ids::kSearchOrganizer) + u" " +
                                app.organizer.OrganizerName);
             takeItem(table, item);
@@ -75,6 +69,11 @@ bool readContacts(Table<Contact>& table, ContactOrder order, Place place) {
 }
 
 } // namespace
+
+bool isReadAsContact(const ContactFacts& item) {
+    return item.Class == ContactFacts::kContactClass &&
+           (!item.LastName.empty() || !item.FirstName.empty());
+}
 
 ContactFolder& contactItemsInUse() {
     const auto& folder = app.organizer.GlobalContactFolder;

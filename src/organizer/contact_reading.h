@@ -5,6 +5,10 @@
 
 namespace tandolin {
 
+/// Neither a list of contacts nor one without a name, which nobody could tell from others: what no
+/// read shows is no partner of a card either.
+bool isReadAsContact(const ContactFacts& item);
+
 /// The items of the contact folder in use, `GlobalContactFolder`. Throws the organizer's failure,
 /// or -1987 where no folder is in use.
 ContactFolder& contactItemsInUse();
