@@ -11,7 +11,7 @@ namespace {
 
 constexpr Place kHere{u"QELOutlook", u"ClearOutlookFromGrid"};
 
-/// `loseItem` is called on each row of a pair, which keeps its pairing where that answers false.
+/// `loseItem` is called on each row of a pair.
 template <class L, class LoseItem>
 void clearOrganizerRows(Table<L>& table, LoseItem loseItem) {
     using F = Common<L>;
@@ -21,9 +21,8 @@ void clearOrganizerRows(Table<L>& table, LoseItem loseItem) {
         }
         if (!table[F::Mobile]) {
             table.Delete();
-        } else if (loseItem()) {
-            table.set(F::PIM, false);
-            table.set(F::EntryType, CONST_ENTRY_vCAL_MOBILE);
+        } else {
+            loseItem();
         }
     }
     table.MoveFirst();
@@ -38,7 +37,10 @@ void ClearOutlookFromGrid(Table<Calendar>& table, bool keepFrame) {
             const Date start = table[cal::Start];
             const bool beyondFrame =
                 start < app.sync.GlobalPeriodStart || start > app.sync.GlobalPeriodEnd;
-            return !keepFrame || !beyondFrame;
+            if (!keepFrame || !beyondFrame) {
+                table.set(cal::PIM, false);
+                table.set(cal::EntryType, CONST_ENTRY_vCAL_MOBILE);
+            }
         });
         vCalClearPIMStatusArray();
         showOrganizerStatus();
@@ -47,7 +49,7 @@ void ClearOutlookFromGrid(Table<Calendar>& table, bool keepFrame) {
 
 void ClearOutlookFromGrid(Table<Contact>& table, bool /*keepFrame*/) {
     trapped(kHere, [&table] {
-        clearOrganizerRows(table, [] { return true; });
+        clearOrganizerRows(table, [&table] { leaveOrganizer(table); });
         vCardClearPIMStatusArray();
         showOrganizerStatus();
     });

@@ -21,6 +21,10 @@ struct FilledCopies {
     }
 };
 
+bool sameAsItIs(Table<Contact>& main, Table<Contact>& work) {
+    return sameContact(main, work);
+}
+
 /// A name alone makes nobody the same person: what is filled in is judged on copies, and only a
 /// match writes it back.
 bool sameWhenFilled(Table<Contact>& main, Table<Contact>& work) {
@@ -41,10 +45,13 @@ bool sameWhenFilled(Table<Contact>& main, Table<Contact>& work) {
 bool vCardFindCompare(Table<Contact>& mainTable, Table<Contact>& workTable) {
     return trapped({u"Verwaltung", u"vCardFindCompare"}, false, [&](bool& found) {
         const Text lastName(workTable[con::LastName]);
-        found = positionOnMatch(mainTable, con::LastName, lastName, Compare::text, [&] {
-            return app.sync.AutoSyncRunning ? sameWhenFilled(mainTable, workTable)
-                                            : sameContact(mainTable, workTable);
-        });
+        const auto find = [&](bool (*same)(Table<Contact>&, Table<Contact>&)) {
+            return positionOnMatch(mainTable, con::LastName, lastName, Compare::text,
+                                   [&] { return same(mainTable, workTable); });
+        };
+        // One that says the same goes before one that would only once it is filled: that one is
+        // another's partner, who would be copied anew on every run.
+        found = find(sameAsItIs) || (app.sync.AutoSyncRunning && find(sameWhenFilled));
     });
 }
 

@@ -121,6 +121,14 @@ void leavePhone(Table<Contact>& row) {
     row.set(con::Mobile, false);
 }
 
+void leaveOrganizer(Table<Contact>& row) {
+    row.set(con::EntryType, CONST_ENTRY_vCAL_MOBILE);
+    row.set(con::PIM, false);
+    if (!row[con::MobileID].empty()) {
+        row.set(con::EntryID, u"");
+    }
+}
+
 void enableAutoSync(bool enabled) {
     MainWindow& window = *app.ports.screen.window;
     window.toolEnabled(u"TDLOrganizerMenu", u"TDLAutoSync", enabled);

@@ -25,6 +25,11 @@ void leavePhone(Table<Calendar>& row);
 /// The same for a contact, which loses its object's name: another may get it.
 void leavePhone(Table<Contact>& row);
 
+/// The current row of both sides loses its item and becomes one of the phone. Where its object
+/// names it, it gives up the key that it had of the item: the next read may show the item in
+/// another row.
+void leaveOrganizer(Table<Contact>& row);
+
 /// Switches the tool `TDLAutoSync` in both bands.
 void enableAutoSync(bool enabled);
 
