@@ -3,19 +3,11 @@
 // What may happen to the two sides, told from the rules alone: of an AutoSync by counting entries
 // of one class on both sides, of the user's acts by what was asked for and has not happened yet.
 
-#include "property/machine_world.h"
+#include "organizer/clear_organizer.h"
+#include "property/machine_queue.h"
+#include "sync/status_arrays.h"
 
 namespace tandolin::testing {
-
-struct Violation {
-    std::string what;
-};
-
-inline void require(bool holds, const std::string& what) {
-    if (!holds) {
-        throw Violation{what};
-    }
-}
 
 /// Entries of one class can stand for each other: same start, rule, text as the phone holds it, and
 /// both meetings or neither.
@@ -127,26 +119,26 @@ inline void requireNoMoreCopies(const SyncPlan& plan, const Holdings& before,
 }
 
 /// One thing that the user asked for, on one side.
-struct Wish {
-    bool onPhone = false;
-    bool removal = false;
-    bool creation = false;
-    int number = 0; ///< the object; a new one may get another number
-    Text uid;       ///< the item, empty for a new one
-    Told told;      ///< what the object is to say, or a new item
+struct Wish : WishOfSide {
+    Told told; ///< what the object is to say, or a new item
     std::optional<Text> subject;
     std::optional<Date> start;
     /// The row of a pair keeps one alarm, that of the side read first: is there one, if so?
     std::optional<bool> alarmOfRow;
-    bool answerLost = false; ///< it may have been done without the program knowing
 
     [[nodiscard]] std::string line() const {
-        return std::string(onPhone ? "phone " : "organizer ") +
-               (removal    ? "remove "
-                : creation ? "create "
-                           : "write ") +
-               (onPhone ? std::to_string(number) : toUtf8(uid)) + told.line() +
-               (subject ? " subject " + toUtf8(*subject) : "");
+        return WishOfSide::line() + told.line() + (subject ? " subject " + toUtf8(*subject) : "");
+    }
+
+    /// The same entry is to be written in another way before it went out.
+    void join(const Wish& later) {
+        if (creation || later.onPhone) {
+            told = later.told;
+            alarmOfRow = later.alarmOfRow ? later.alarmOfRow : alarmOfRow;
+        } else {
+            subject = later.subject;
+            start = later.start;
+        }
     }
 
     [[nodiscard]] AppointmentFacts changed(AppointmentFacts item) const {
@@ -174,80 +166,41 @@ struct Wish {
         }
         return now == told;
     }
-
-    [[nodiscard]] bool holds(const Holdings& now) const {
-        if (onPhone) {
-            const auto object = now.phone.find(number);
-            return object == now.phone.end() ? removal : !removal && isNewObject(object->second);
-        }
-        if (creation) {
-            return std::ranges::any_of(now.organizer,
-                                       [&](const auto& item) { return isNewItem(item.second); });
-        }
-        const auto item = now.organizer.find(uid);
-        return item == now.organizer.end()
-                   ? removal
-                   : !removal && sameFacts(changed(item->second), item->second);
-    }
 };
 
-/// By the tag of the row and the side.
-using Wishes = std::map<std::pair<int, bool>, Wish>;
+/// The calendar's entries, for the user of either kind.
+struct CalendarKind {
+    using Layout = Calendar;
+    using Facts = AppointmentFacts;
+    using Wish = testing::Wish;
+    static constexpr auto tag = cal::ChangeString;
+    static constexpr std::int16_t view = 0;
 
-/// Every difference between two moments was asked for, each wish served once. Gives those served.
-inline std::set<std::pair<int, bool>> servedWishes(const Wishes& wishes, const Holdings& before,
-                                                   const Holdings& after) {
-    std::set<std::pair<int, bool>> served;
-    const auto serve = [&](const std::string& what, auto fits) {
-        const auto wish = std::ranges::find_if(
-            wishes, [&](const auto& w) { return !served.contains(w.first) && fits(w.second); });
-        if (wish == wishes.end()) {
-            std::string all;
-            for (const auto& [key, w] : wishes) {
-                all += "\n    wish: " + w.line();
-            }
-            throw Violation{"nobody asked for this: " + what + all};
-        }
-        served.insert(wish->first);
-    };
-    for (const auto& [number, bytes] : after.phone) {
-        const auto old = before.phone.find(number);
-        if (old == before.phone.end() || old->second != bytes) {
-            serve("object " + std::to_string(number) + " says\n" + bytes, [&](const Wish& w) {
-                return w.onPhone && !w.removal && w.isNewObject(bytes) &&
-                       (w.creation || w.number == number) &&
-                       (!w.creation || old == before.phone.end() || w.number == number);
-            });
-        }
+    static Table<Calendar>& table() { return tables.RSCalendar; }
+
+    static Table<Calendar>& queue() { return tables.RSCalendarSave; }
+
+    static int onPhone() { return app.phone.vCalEntryCount; }
+
+    static int inOrganizer() { return app.organizer.vCalPIMCount; }
+
+    static bool same(const Facts& a, const Facts& b) { return sameFacts(a, b); }
+
+    static std::string lineOf(const Facts& item) { return lineOfItem(item); }
+
+    static std::string wordsOf(const Table<Calendar>& row) {
+        return std::to_string(row[cal::SubType]) + ' ' + toUtf8(row[cal::UID]) + ' ' +
+               toUtf8(row[cal::Text]);
     }
-    for (const auto& [number, bytes] : before.phone) {
-        if (!after.phone.contains(number)) {
-            serve("object " + std::to_string(number) + " is gone", [&](const Wish& w) {
-                // A link that died between removing and writing costs the object.
-                return w.onPhone && w.number == number && (w.removal || w.answerLost);
-            });
-        }
+
+    /// Does an entry that still waited to be made leave the queue without a removal?
+    static bool forgetsNew(bool onPhone) { return !onPhone; }
+
+    /// As the window does behind a failed write.
+    static void clearBothSides(Table<Calendar>& table) {
+        vCalClearAfterMobileError(false);
+        ClearOutlookFromGrid(table, false);
     }
-    for (const auto& [uid, item] : after.organizer) {
-        const auto old = before.organizer.find(uid);
-        if (old == before.organizer.end()) {
-            serve("new item " + lineOfItem(item),
-                  [&](const Wish& w) { return !w.onPhone && w.creation && w.isNewItem(item); });
-        } else if (!sameFacts(old->second, item)) {
-            serve("item " + lineOfItem(old->second) + " became " + lineOfItem(item),
-                  [&](const Wish& w) {
-                      return !w.onPhone && !w.removal && !w.creation && w.uid == uid &&
-                             sameFacts(w.changed(old->second), item);
-                  });
-        }
-    }
-    for (const auto& [uid, item] : before.organizer) {
-        if (!after.organizer.contains(uid)) {
-            serve("item " + lineOfItem(item) + " is gone",
-                  [&](const Wish& w) { return !w.onPhone && w.removal && w.uid == uid; });
-        }
-    }
-    return served;
-}
+};
 
 } // namespace tandolin::testing

@@ -4,17 +4,12 @@
 // and editor do, at once or through the queue, and knows what was asked for.
 
 #include "formats/calendar_codec.h"
-#include "organizer/removal.h"
 #include "organizer/calendar_writing.h"
-#include "organizer/clear_organizer.h"
+#include "organizer/removal.h"
 #include "phone/free_numbers.h"
 #include "phone/phone_writing.h"
 #include "property/machine_model.h"
 #include "sync/calendar_queue.h"
-#include "sync/status_arrays.h"
-#include "sync/transfer.h"
-
-#include <deque>
 
 namespace tandolin::testing {
 
@@ -33,20 +28,8 @@ constexpr std::array kDays{"2026-11-02", "2026-11-20", "2026-11-22",
                            "2026-11-23", "2026-12-01", "2027-06-01"};
 constexpr std::array kHours{"00:00", "09:00", "09:30"};
 
-struct UserMachine : MachineWorld {
-    Dice dice;
-    Wishes wishes;     ///< what waits in the queue
-    bool stale = true; ///< the table does not show what is there
-    int nextTag = 1;
-    std::set<std::string> removedObjects; ///< what left the phone so far
-    std::deque<std::string> history;      ///< the last steps in words
-
-    void say(const std::string& words) {
-        history.push_back(words);
-        if (history.size() > 14) {
-            history.pop_front();
-        }
-    }
+struct UserMachine : QueuedUser<CalendarKind> {
+    [[nodiscard]] Holdings now() const override { return holdings(); }
 
     // Entries made up at random
 
@@ -72,26 +55,7 @@ struct UserMachine : MachineWorld {
         return text.substr(0, kind == 'C' ? (text.starts_with('+') ? 41 : 40) : 32);
     }
 
-    // What was told
-
-    std::int32_t failuresBefore = 0;
-
-    void listen() { failuresBefore = app.run.failures + app.log.LogTransferFehler; }
-
-    [[nodiscard]] bool wasTold() const {
-        return app.run.failures + app.log.LogTransferFehler > failuresBefore || app.run.cancelled;
-    }
-
     // Reading
-
-    void requireCounts() {
-        require(std::cmp_equal(app.phone.vCalEntryCount, table.countTrue(cal::Mobile)),
-                "vCalEntryCount " + std::to_string(app.phone.vCalEntryCount) +
-                    ", rows on the phone " + std::to_string(table.countTrue(cal::Mobile)));
-        require(std::cmp_equal(app.organizer.vCalPIMCount, table.countTrue(cal::PIM)),
-                "vCalPIMCount " + std::to_string(app.organizer.vCalPIMCount) +
-                    ", rows in the organizer " + std::to_string(table.countTrue(cal::PIM)));
-    }
 
     bool readBoth() {
         app.core.GlobalSilentMode = kFalse;
@@ -109,125 +73,13 @@ struct UserMachine : MachineWorld {
 
     // Rows and wishes
 
-    int tagOfRow() {
-        if (table[cal::ChangeString].empty()) {
-            table.set(cal::ChangeString, decimal(nextTag++));
-        }
-        return static_cast<int>(leadingNumber(table[cal::ChangeString]));
-    }
-
-    bool pickRow() {
-        table.setAbsolutePosition(1 + static_cast<std::size_t>(dice.upTo(
-                                          std::max(0, static_cast<int>(table.recordCount()) - 1))));
-        return !table.atEnd() && table.recordCount() > 0;
-    }
-
-    Told toldOfRow(const Holdings& now) {
+    Told toldOfRow(const Holdings& sides) {
         const auto wish = wishes.find({tagOfRow(), true});
         if (wish != wishes.end() && !wish->second.removal) {
             return wish->second.told;
         }
-        const auto object = now.phone.find(table[cal::SubType]);
-        return object == now.phone.end() ? Told() : toldBy(object->second);
-    }
-
-    /// Joins what was asked before; a removal takes the place of all writes.
-    void remember(const Wishes& asked) {
-        for (const auto& [key, wish] : asked) {
-            const auto old = wishes.find(key);
-            if (wish.removal) {
-                rememberRemoval(key, wish);
-            } else if (old == wishes.end()) {
-                wishes.emplace(key, wish);
-            } else if (old->second.creation || wish.onPhone) {
-                old->second.told = wish.told;
-                old->second.alarmOfRow = wish.alarmOfRow ? wish.alarmOfRow : old->second.alarmOfRow;
-            } else {
-                old->second.subject = wish.subject;
-                old->second.start = wish.start;
-            }
-        }
-    }
-
-    /// It gets a tag of its own: the row that is left may be written to that side again.
-    void rememberRemoval(const std::pair<int, bool>& key, const Wish& wish) {
-        const auto old = wishes.find(key);
-        const bool neverCreated = old != wishes.end() && !wish.onPhone && old->second.creation;
-        if (old != wishes.end()) {
-            wishes.erase(old);
-        }
-        if (!neverCreated && isQueued(key)) {
-            queue.set(cal::ChangeString, decimal(nextTag));
-            wishes.emplace(std::pair(nextTag++, key.second), wish);
-        }
-    }
-
-    /// The end of an act: what happened was asked for, and what was asked for happened or waits.
-    void settle(const Holdings& before, bool done, Wishes asked) {
-        const Holdings after = holdingsBehind(before, asked);
-        if (app.settings.SaveTyp != 1) {
-            servedWishes({}, before, after);
-            require(done, "an act was not queued");
-            remember(asked);
-            requireQueue();
-            requireCounts();
-            return;
-        }
-        for (auto& [key, wish] : asked) {
-            wish.answerLost = phoneFailed();
-        }
-        const auto served = servedWishes(asked, before, after);
-        for (const auto& [key, wish] : asked) {
-            require(!done || served.contains(key) || wish.holds(after), "not done: " + wish.line());
-        }
-        require(done || wasTold(), "an act failed without a word");
-        if (done) {
-            requireCounts();
-            return;
-        }
-        // As the window does behind a failed write: both sides leave the table and are read again.
-        vCalClearAfterMobileError(false);
-        ClearOutlookFromGrid(table, false);
-        stale = true;
-    }
-
-    [[nodiscard]] std::string queueLines() {
-        std::string all;
-        for (queue.MoveFirst(); !queue.atEnd(); queue.MoveNext()) {
-            all += "\n    queued: tag " + toUtf8(queue[cal::ChangeString]) +
-                   (queue[cal::TransferNew] == kToPhone ? " phone " : " organizer ") +
-                   (queue[cal::TransferMode] == kTransferRemove ? "remove " : "write ") +
-                   std::to_string(queue[cal::SubType]) + ' ' + toUtf8(queue[cal::UID]) + ' ' +
-                   toUtf8(queue[cal::Text]);
-        }
-        return all;
-    }
-
-    void requireQueue() {
-        std::string all;
-        for (const auto& [key, wish] : wishes) {
-            all += "\n    wish: " + wish.line();
-        }
-        std::size_t waiting = 0;
-        for (queue.MoveFirst(); !queue.atEnd(); queue.MoveNext()) {
-            waiting += queue[cal::TransferMode] == kTransferDone ? 0 : 1;
-        }
-        require(waiting == wishes.size(),
-                "other changes wait than were asked for" + all + queueLines());
-    }
-
-    /// What both sides hold behind a step. A phone that fails while a new object gets the number of
-    /// a removed one can bring that one back: nobody asked for it, and nothing is lost by it.
-    [[nodiscard]] Holdings holdingsBehind(const Holdings& before, const Wishes& asked) const {
-        Holdings now = holdings();
-        std::erase_if(now.phone, [&](const auto& object) {
-            return phoneFailed() && !before.phone.contains(object.first) &&
-                   removedObjects.contains(object.second) &&
-                   std::ranges::none_of(asked, [&](const auto& wish) {
-                       return wish.second.onPhone && wish.second.isNewObject(object.second);
-                   });
-        });
-        return now;
+        const auto object = sides.phone.find(table[cal::SubType]);
+        return object == sides.phone.end() ? Told() : toldBy(object->second);
     }
 
     // Acts
@@ -468,60 +320,6 @@ struct UserMachine : MachineWorld {
             done = WriteOutlookEntry(table, true);
         }
         settle(before, done, asked);
-    }
-
-    // The queue
-
-    [[nodiscard]] bool isQueued(const std::pair<int, bool>& key) {
-        for (queue.MoveFirst(); !queue.atEnd(); queue.MoveNext()) {
-            if (queue[cal::TransferMode] != kTransferDone &&
-                leadingNumber(queue[cal::ChangeString]) == key.first &&
-                (queue[cal::TransferNew] == kToPhone) == key.second) {
-                return true;
-            }
-        }
-        return false;
-    }
-
-    bool transfer() {
-        const Holdings before = holdings();
-        app.core.GlobalSilentMode = kFalse;
-        // Behind an earlier failed entry a transfer shows the log and clears the phone's rows.
-        stale = stale || app.log.LogErrorFlag;
-        const bool done = TransfertoMobile(tables.RSContactsSave, queue);
-        const Holdings after = holdingsBehind(before, wishes);
-        for (auto& [key, wish] : wishes) {
-            wish.answerLost = wish.answerLost || phoneFailed();
-        }
-        const auto served = servedWishes(wishes, before, after);
-        require(!done || queue.isEmpty(), "a transfer that is done leaves rows");
-        require(done || wasTold() || user.meansIt, "a transfer failed without a word");
-        for (auto wish = wishes.begin(); wish != wishes.end();) {
-            const bool waits = isQueued(wish->first);
-            const bool happened = served.contains(wish->first);
-            require(!waits || !happened || phoneFailed() || organizerFailed(),
-                    "done, and to be done again: " + wish->second.line() + queueLines());
-            require(waits || happened || wish->second.holds(after),
-                    "left the queue undone: " + wish->second.line());
-            wish = waits ? std::next(wish) : wishes.erase(wish);
-        }
-        requireQueue();
-        stale = stale || !done;
-        return done;
-    }
-
-    /// What a command does before it works over waiting changes: send them, or let them go.
-    void askFirst() {
-        if (queue.isEmpty()) {
-            return;
-        }
-        say("asked first, " + std::to_string(queue.recordCount()) + " wait");
-        if (dice.once(4) || !transfer()) {
-            ClearRecordSet(queue);
-            wishes.clear();
-            showSaveTool();
-        }
-        stale = true;
     }
 };
 

@@ -10,6 +10,7 @@
 #include "sync/sync_world.h"
 
 #include <compare>
+#include <deque>
 #include <random>
 
 namespace tandolin::testing {
@@ -27,6 +28,16 @@ struct Dice {
         return *(std::begin(choices) + upTo(static_cast<int>(std::ssize(choices)) - 1));
     }
 };
+
+struct Violation {
+    std::string what;
+};
+
+inline void require(bool holds, const std::string& what) {
+    if (!holds) {
+        throw Violation{what};
+    }
+}
 
 /// A phone that can store or remove and then lose the answer.
 struct LossyPhone : FakePhone {
@@ -52,7 +63,7 @@ private:
     }
 };
 
-/// An organizer that can do the same.
+/// An organizer that can do the same, with its contacts.
 struct LossyOrganizer : FakeOrganizer {
     int lostAnswer = 0;
     bool answerWasLost = false;
@@ -65,6 +76,18 @@ struct LossyOrganizer : FakeOrganizer {
         return std::make_unique<LossyItem>(*this, FakeOrganizer::GetItemFromID(entryID));
     }
 
+    ContactFolder& GetContactItems(const FolderRecord& folder) override {
+        FakeOrganizer::GetContactItems(folder);
+        return people;
+    }
+
+    void answer() {
+        if (lostAnswer > 0 && --lostAnswer == 0) {
+            answerWasLost = true;
+            throw Failure(failure_number::kOrganizerFailed, u"the answer was lost");
+        }
+    }
+
 private:
     struct LossyItem : PassingItem {
         LossyItem(LossyOrganizer& organizer, std::unique_ptr<AppointmentItem> item)
@@ -72,24 +95,39 @@ private:
 
         void Save() override {
             item_->Save();
-            answer();
+            organizer_.answer();
         }
 
         void Delete() override {
             item_->Delete();
-            answer();
+            organizer_.answer();
         }
 
     private:
-        void answer() const {
-            if (organizer_.lostAnswer > 0 && --organizer_.lostAnswer == 0) {
-                organizer_.answerWasLost = true;
-                throw Failure(failure_number::kOrganizerFailed, u"the answer was lost");
-            }
-        }
-
         LossyOrganizer& organizer_;
     };
+
+    struct LossyContacts : FakeContacts {
+        explicit LossyContacts(LossyOrganizer& organizer)
+            : FakeContacts([&organizer](TextView operation) { organizer.begin(operation); }),
+              organizer_(organizer) {}
+
+        void stored(const ContactFacts& facts) override {
+            FakeContacts::stored(facts);
+            organizer_.answer();
+        }
+
+        void removed(TextView entryID) override {
+            FakeContacts::removed(entryID);
+            organizer_.answer();
+        }
+
+    private:
+        LossyOrganizer& organizer_;
+    };
+
+public:
+    LossyContacts people{*this};
 };
 
 /// A user who presses Cancel at the n-th look at the button, and means it.
@@ -165,18 +203,23 @@ inline std::string lineOfItem(const AppointmentFacts& item) {
                   toUtf8(item.Subject), item.IsRecurring ? rule->first : "");
 }
 
-/// What both sides hold at a moment.
-struct Holdings {
+/// What both sides hold of one kind of entries at a moment.
+template <class Facts>
+struct Sides {
     std::map<int, std::string> phone; ///< bytes by number
-    std::map<Text, AppointmentFacts> organizer;
+    std::map<Text, Facts> organizer;
 };
+
+using Holdings = Sides<AppointmentFacts>;
 
 struct MachineWorld : FreshProgram {
     LossyPhone phone;
     LossyOrganizer organizer;
     ImpatientScreen user;
-    Table<Calendar>& table = tables.RSCalendar;
-    Table<Calendar>& queue = tables.RSCalendarSave;
+    Dice dice;
+    std::deque<std::string> history; ///< the last steps in words
+    int quiet = 0;                   ///< second runs of AutoSync that had nothing to do
+    int restless = 0;                ///< and those that still wrote
 
     MachineWorld() {
         app.ports.screen = {&user, &user, &user};
@@ -198,16 +241,38 @@ struct MachineWorld : FreshProgram {
 
     [[nodiscard]] int room() const { return phone.maximumRecords.at(Text(FakePhone::kCalendar)); }
 
-    [[nodiscard]] Holdings holdings() const {
-        Holdings now;
+    [[nodiscard]] std::map<int, std::string> objectsIn(TextView directory) const {
+        std::map<int, std::string> objects;
         for (const auto& [path, bytes] : phone.files) {
-            if (path.starts_with(FakePhone::kCalendar) && path.ends_with(u".vcs")) {
-                now.phone[static_cast<int>(leadingNumber(path.substr(13)))] = bytes;
+            if (path.starts_with(directory)) {
+                objects[static_cast<int>(leadingNumber(path.substr(directory.size())))] = bytes;
             }
         }
-        now.organizer = organizer.items;
-        return now;
+        return objects;
     }
+
+    [[nodiscard]] Holdings holdings() const {
+        return {objectsIn(FakePhone::kCalendar), organizer.items};
+    }
+
+    void say(const std::string& words) {
+        history.push_back(words);
+        if (history.size() > 14) {
+            history.pop_front();
+        }
+    }
+
+    // What was told
+
+    std::int32_t failuresBefore = 0;
+
+    void listen() { failuresBefore = app.run.failures + app.log.LogTransferFehler; }
+
+    [[nodiscard]] bool wasTold() const {
+        return app.run.failures + app.log.LogTransferFehler > failuresBefore || app.run.cancelled;
+    }
+
+    // Faults
 
     [[nodiscard]] bool phoneFailed() const {
         return phone.answerWasLost ||
@@ -227,6 +292,56 @@ struct MachineWorld : FreshProgram {
         organizer.fault = {};
         phone.lostAnswer = organizer.lostAnswer = user.cancelAt = 0;
         phone.answerWasLost = organizer.answerWasLost = user.meansIt = false;
+    }
+
+    /// Once in four times something will go wrong; both sides hold `size` entries.
+    std::string plantFault(int size) {
+        heal();
+        listen();
+        if (!dice.once(4)) {
+            return {};
+        }
+        const auto call = static_cast<std::size_t>(1 + dice.upTo(dice.once(2) ? 4 : 2 * size + 12));
+        const bool dead = dice.once(2);
+        switch (dice.upTo(4)) {
+        case 0:
+            phone.fault.call = call;
+            phone.fault.deadFromThen = dead;
+            phone.fault.failure.Number =
+                dice.one(std::array{failure_number::kServerFailed, failure_number::kServerGone});
+            return " [phone call " + std::to_string(call) + (dead ? " dead]" : " fails]");
+        case 1:
+            organizer.fault.call = call;
+            organizer.fault.deadFromThen = dead;
+            organizer.fault.failure.Number =
+                dice.one(std::array{failure_number::kOrganizerFailed, failure_number::kDiskFull});
+            return " [organizer call " + std::to_string(call) + (dead ? " dead]" : " fails]");
+        case 2:
+            phone.lostAnswer = 1 + dice.upTo(3);
+            return " [phone answer " + std::to_string(phone.lostAnswer) + " lost]";
+        case 3:
+            organizer.lostAnswer = 1 + dice.upTo(3);
+            return " [organizer answer " + std::to_string(organizer.lostAnswer) + " lost]";
+        default:
+            user.cancelAt = static_cast<int>(call);
+            return " [cancel at " + std::to_string(call) + "]";
+        }
+    }
+
+    std::ptrdiff_t writes() const {
+        return phone.callsOf(u"PXDWrite") + phone.callsOf(u"PXDDelete") +
+               organizer.callsOf(u"Save") + organizer.callsOf(u"Delete") +
+               organizer.callsOf(u"SaveContact") + organizer.callsOf(u"DeleteContact");
+    }
+
+    /// Faults in calls whose failure loses nothing.
+    [[nodiscard]] bool onlyUnheard() const {
+        const auto at = [](const auto& side) {
+            return side.fault.call != 0 && side.calls.size() >= side.fault.call
+                       ? side.calls[side.fault.call - 1]
+                       : Text();
+        };
+        return at(phone).starts_with(u"restoreDeleted") || at(organizer) == u"Name";
     }
 };
 

@@ -1,12 +1,11 @@
 // Random steps of everybody who changes a phone and an organizer: other programs, the user at the
 // table, the queue, AutoSync in every mode and frame, with faults and cancels at random moments.
-// After each step a model says what may have happened. TANDOLIN_SEED gives a run back, and with
-// TANDOLIN_EPISODE one episode of it alone; TANDOLIN_STEPS says how long to go on.
+// After each step a model says what may have happened.
 
 #include "phone/object_store.h"
 #include "phone/phone_info.h"
+#include "property/machine_episodes.h"
 #include "property/machine_user.h"
-#include "property/seed.h"
 #include "sync/autosync_frame.h"
 
 #include <ranges>
@@ -16,14 +15,9 @@ using namespace tandolin::testing;
 
 namespace {
 
-/// Steps from an empty start on; then another phone and organizer begin.
-constexpr int kEpisode = 60;
-
 struct Machine : UserMachine {
     Holdings beforeStep;
     int items = 0;
-    int quiet = 0;
-    int restless = 0; ///< second runs that still wrote
 
     explicit Machine(std::mt19937 engine) {
         dice.engine = engine;
@@ -102,43 +96,11 @@ struct Machine : UserMachine {
         return "organizer changes " + lineOfItem(item->second);
     }
 
-    // Faults
-
-    std::string plantFault() {
-        heal();
-        listen();
-        if (!dice.once(4)) {
-            return {};
-        }
-        const int size = static_cast<int>(holdings().phone.size() + organizer.items.size());
-        const auto call = static_cast<std::size_t>(1 + dice.upTo(dice.once(2) ? 4 : 2 * size + 12));
-        const bool dead = dice.once(2);
-        switch (dice.upTo(4)) {
-        case 0:
-            phone.fault.call = call;
-            phone.fault.deadFromThen = dead;
-            phone.fault.failure.Number =
-                dice.one(std::array{failure_number::kServerFailed, failure_number::kServerGone});
-            return " [phone call " + std::to_string(call) + (dead ? " dead]" : " fails]");
-        case 1:
-            organizer.fault.call = call;
-            organizer.fault.deadFromThen = dead;
-            organizer.fault.failure.Number =
-                dice.one(std::array{failure_number::kOrganizerFailed, failure_number::kDiskFull});
-            return " [organizer call " + std::to_string(call) + (dead ? " dead]" : " fails]");
-        case 2:
-            phone.lostAnswer = 1 + dice.upTo(3);
-            return " [phone answer " + std::to_string(phone.lostAnswer) + " lost]";
-        case 3:
-            organizer.lostAnswer = 1 + dice.upTo(3);
-            return " [organizer answer " + std::to_string(organizer.lostAnswer) + " lost]";
-        default:
-            user.cancelAt = static_cast<int>(call);
-            return " [cancel at " + std::to_string(call) + "]";
-        }
-    }
-
     // AutoSync
+
+    [[nodiscard]] int held() const {
+        return static_cast<int>(holdings().phone.size() + organizer.items.size());
+    }
 
     SyncPlan makePlan() {
         app.settings.SyncTyp = dice.one(std::array<std::int16_t, 4>{1, 2, 3, 4});
@@ -162,11 +124,6 @@ struct Machine : UserMachine {
             uids.insert(item->EntryID);
         }
         return uids;
-    }
-
-    std::ptrdiff_t writes() const {
-        return phone.callsOf(u"PXDWrite") + phone.callsOf(u"PXDDelete") +
-               organizer.callsOf(u"Save") + organizer.callsOf(u"Delete");
     }
 
     void runAutoSync() {
@@ -196,7 +153,7 @@ struct Machine : UserMachine {
     void sync() {
         endSession();
         const SyncPlan plan = makePlan();
-        const std::string fault = plantFault();
+        const std::string fault = plantFault(held());
         say("AutoSync mode " + std::to_string(plan.mode) + " frame " + std::to_string(plan.frame) +
             " kinds " + std::to_string(app.settings.SyncTermine) + fault);
         const Holdings before = holdings();
@@ -217,16 +174,6 @@ struct Machine : UserMachine {
             requireComplete(plan, after);
             requireQuiet(plan);
         }
-    }
-
-    /// Faults in calls whose failure loses nothing.
-    [[nodiscard]] bool onlyUnheard() const {
-        const auto at = [](const auto& side) {
-            return side.fault.call != 0 && side.calls.size() >= side.fault.call
-                       ? side.calls[side.fault.call - 1]
-                       : Text();
-        };
-        return at(phone).starts_with(u"restoreDeleted") || at(organizer) == u"Name";
     }
 
     /// Was the object there when the phone failed? Mode 1 removes objects and gives their numbers
@@ -342,7 +289,7 @@ struct Machine : UserMachine {
         require(!stale, "a read without a fault failed");
         app.core.GlobalSilentMode = kFalse;
         const std::string fault =
-            app.settings.SaveTyp == 1 ? plantFault() : (heal(), listen(), std::string());
+            app.settings.SaveTyp == 1 ? plantFault(held()) : (heal(), listen(), std::string());
         user.cancelAt = 0;
         if (!fault.empty()) {
             say(fault);
@@ -371,7 +318,7 @@ struct Machine : UserMachine {
         app.settings.DelOption = 3;
         app.settings.DelTermine = 32;
         app.settings.DelSerie = 0;
-        const std::string fault = plantFault();
+        const std::string fault = plantFault(held());
         say("read with Autodelete" + fault);
         app.core.GlobalSilentMode = kFalse;
         const Holdings before = holdings();
@@ -404,13 +351,8 @@ struct Machine : UserMachine {
     }
 
     void step() {
-        Holdings now = holdings();
-        for (const auto& [number, bytes] : beforeStep.phone) {
-            if (!now.phone.contains(number)) {
-                removedObjects.insert(bytes);
-            }
-        }
-        beforeStep = std::move(now);
+        rememberRemoved(beforeStep, holdings());
+        beforeStep = holdings();
         switch (dice.upTo(12)) {
         case 0:
             if (std::ranges::none_of(wishes, [](const auto& w) { return w.second.onPhone; })) {
@@ -427,7 +369,7 @@ struct Machine : UserMachine {
             sync();
             break;
         case 6: {
-            const std::string fault = plantFault();
+            const std::string fault = plantFault(held());
             say("transfer of " + std::to_string(queue.recordCount()) + fault);
             transfer();
             heal();
@@ -444,22 +386,6 @@ struct Machine : UserMachine {
             break;
         default:
             userAct();
-        }
-    }
-
-    /// Goes through one episode; what was wrong, if anything was.
-    std::string violation() {
-        int number = 0;
-        try {
-            for (; number < kEpisode; ++number) {
-                step();
-            }
-            return {};
-        } catch (const Violation& violation) {
-            return " step " + std::to_string(number) + ": " + violation.what;
-        } catch (const Failure& failure) {
-            return " step " + std::to_string(number) +
-                   ": a failure left its procedure: " + toUtf8(failure.Description);
         }
     }
 
@@ -483,34 +409,8 @@ struct Machine : UserMachine {
     }
 };
 
-int numberFrom(const char* name, int otherwise) {
-    const char* given = std::getenv(name);
-    return given == nullptr ? otherwise : std::atoi(given);
-}
-
 } // namespace
 
 TEST_CASE("The state machine: whatever happens, nothing is lost, doubled or silent") {
-    const unsigned seed = seedOfRun();
-    const int steps = numberFrom("TANDOLIN_STEPS", TANDOLIN_MACHINE_STEPS);
-    const int only = numberFrom("TANDOLIN_EPISODE", -1);
-    int violations = 0;
-    int quiet = 0;
-    int restless = 0;
-    for (int episode = std::max(only, 0); episode * kEpisode < steps || episode == only;
-         ++episode) {
-        std::seed_seq seeds{seed, static_cast<unsigned>(episode)};
-        Machine machine{std::mt19937(seeds)};
-        if (const std::string what = machine.violation(); !what.empty()) {
-            ++violations;
-            FAIL_CHECK("TANDOLIN_SEED=" << seed << " TANDOLIN_EPISODE=" << episode << what
-                                        << machine.story());
-        }
-        quiet += machine.quiet;
-        restless += machine.restless;
-        if (episode == only || violations >= 20) {
-            break;
-        }
-    }
-    MESSAGE("second runs: " << quiet << " quiet, " << restless << " not yet");
+    runEpisodes<Machine>();
 }

@@ -85,6 +85,11 @@ public:
         return std::make_unique<Opened>(*this, item->second);
     }
 
+protected:
+    virtual void stored(const ContactFacts& facts) { items[facts.EntryID] = facts; }
+
+    virtual void removed(TextView entryID) { items.erase(Text(entryID)); }
+
 private:
     class Opened : public ContactItem {
     public:
@@ -102,12 +107,12 @@ private:
 
         void Save() override {
             store_.begin_(u"SaveContact");
-            store_.items[facts_.EntryID] = facts_;
+            store_.stored(facts_);
         }
 
         void Delete() override {
             store_.begin_(u"DeleteContact");
-            store_.items.erase(facts_.EntryID);
+            store_.removed(facts_.EntryID);
         }
 
     private:

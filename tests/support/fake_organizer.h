@@ -167,6 +167,15 @@ public:
         return std::make_unique<Item>(*this, item->second);
     }
 
+protected:
+    void begin(TextView operation) const {
+        calls.emplace_back(operation);
+        if (fault.call != 0 &&
+            (calls.size() == fault.call || (fault.deadFromThen && calls.size() > fault.call))) {
+            throw fault.failure;
+        }
+    }
+
 private:
     class Item : public AppointmentItem {
     public:
@@ -244,14 +253,6 @@ private:
     private:
         FakeOrganizer& organizer_;
     };
-
-    void begin(TextView operation) const {
-        calls.emplace_back(operation);
-        if (fault.call != 0 &&
-            (calls.size() == fault.call || (fault.deadFromThen && calls.size() > fault.call))) {
-            throw fault.failure;
-        }
-    }
 
     static bool repeatsOn(const AppointmentFacts& item, Date day) {
         const RecurrencePattern& pattern = item.Pattern;
