@@ -22,6 +22,7 @@ struct WishOfSide {
     int number = 0; ///< the object; a new one may get another number, 0 while nobody knows it
     Text uid;       ///< the item, empty for a new one
     bool answerLost = false; ///< it may have been done without the program knowing
+    bool made = false;       ///< the new entry is there, and its answer was lost
 
     [[nodiscard]] std::string line() const {
         return std::string(onPhone ? "phone " : "organizer ") +
@@ -311,6 +312,9 @@ struct QueuedUser : MachineWorld {
         for (auto wish = wishes.begin(); wish != wishes.end();) {
             const bool waits = isQueued(wish->first);
             const bool happened = served.contains(wish->first);
+            require(!happened || !wish->second.made || phoneFailed(),
+                    "made once more: " + wish->second.line());
+            wish->second.made |= happened && wish->second.creation && wish->second.onPhone;
             require(!waits || !happened || phoneFailed() || organizerFailed(),
                     "done, and to be done again: " + wish->second.line() + queueLines());
             require(waits || happened || holds(wish->second, after) ||
