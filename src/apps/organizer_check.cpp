@@ -12,9 +12,22 @@ namespace {
 
 constexpr std::int64_t kLowestVersion = 8;
 
+/// Another folder is another address book: the user must hear of it.
+void tellReplaced(TextView gone) {
+    const auto& folder = app.organizer.GlobalContactFolder;
+    if (!gone.empty() && folder) {
+        app.ports.screen.boxes->ask(app.core.applicationTitle,
+                                    u"The contact folder \"" + Text(gone) +
+                                        u"\" cannot be opened; \"" + folder->Name +
+                                        u"\" is used instead. --contact-folder names another",
+                                    Icon::exclamation, Buttons::ok);
+    }
+}
+
 /// The folder of the settings, else the organizer's default one; remembered in the settings.
 void openContactFolder() {
     Settings& settings = app.settings;
+    const Text wanted = settings.FolderName;
     const auto failure = attempt([&settings] {
         if (settings.FolderEntryID.empty() || settings.FolderStoreID.empty()) {
             app.organizer.GlobalContactFolder = app.organizer.MOL->GetDefaultContactFolder();
@@ -26,6 +39,7 @@ void openContactFolder() {
     });
     if (failure || !app.organizer.GlobalContactFolder) {
         InitContactFolder();
+        tellReplaced(wanted);
     } else {
         PreSetFolderArray();
     }

@@ -13,6 +13,7 @@
 #include <memory>
 #include <optional>
 #include <set>
+#include <utility>
 #include <vector>
 
 namespace tandolin {
@@ -218,9 +219,9 @@ struct RunState {
     std::int32_t organizerRead = 0;
     std::int32_t paired = 0;
     std::vector<Note> notes;
-    /// Entries of the phone that nearly met one of the organizer, by the object's number. They
-    /// become notes when the run ends: until then a look-up may still pair them.
-    std::map<std::int32_t, Note> nearMatches;
+    /// Entries of the phone that nearly met one of the organizer, by the object's number and name.
+    /// They become notes when the run ends: until then a look-up may still pair them.
+    std::map<std::pair<std::int64_t, Text>, Note> nearMatches;
 };
 
 /// All module-wide state in one value, so that a test starts fresh by assignment.

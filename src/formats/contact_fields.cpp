@@ -73,8 +73,7 @@ void vCardSyncMobileEntry(Table<Contact>& target, const Table<Contact>& source) 
     trapped({kModule, u"vCardSyncMobileEntry"}, [&] {
         copyFields(target, source, con::MobileID, con::EntryFile, con::Mobile, con::LastName,
                    con::FirstName, con::Company, con::Street, con::City, con::ZipCode, con::Country,
-                   con::Phone, con::PhoneWork, con::PhoneMobile, con::Fax, con::eMail, con::URL,
-                   con::MobileCategoriesText);
+                   con::Phone, con::PhoneWork, con::PhoneMobile, con::Fax, con::eMail, con::URL);
         target.set(con::EntryType, CONST_ENTRY_vCAL_BOTH);
     });
 }

@@ -18,6 +18,8 @@ void takeIntoMainTable() {
     const bool organizerThere = app.organizer.vCardPIMRead && app.organizer.vCardPIMCount > 0;
     if (organizerThere && vCardFindCompare(main, work)) {
         vCardSyncMobileEntry(main, work);
+        // The phone's own words for a VIP, which an edit must send back.
+        main.set(con::MobileCategoriesText, Text(work[con::MobileCategoriesText]));
     } else {
         main.AddCopy(work.row());
     }

@@ -54,6 +54,11 @@ private:
         if (nearMatches_.standForOrganizer(table_, onPhone)) {
             return true;
         }
+        if (onPhone.failure()) {
+            noteUnsendable(table_, *onPhone.failure());
+            app.run.entriesFailed = true;
+            return true; // those behind it can be sent all the same
+        }
         if (done_ >= rows_ || !roomInPhoneBook()) {
             ++leftBehind_;
             return true;
@@ -73,7 +78,7 @@ private:
 
     /// A phone-only row becomes a contact of the organizer. False after a failure.
     bool create() {
-        if (table_[con::LastName].empty() && table_[con::FirstName].empty()) {
+        if (isNameless(table_)) {
             noteNameless(
                 table_); // the organizer's reader would pass it over, and miss it each time
             return true;
@@ -104,7 +109,8 @@ private:
         app.run.leftBehind += leftBehind_;
         app.ports.screen.boxes->ask(tr(ids::kProgramTitle),
                                     decimal(leftBehind_) +
-                                        u" contacts stayed in the organizer alone: the phone book "
+                                        (leftBehind_ == 1 ? u" contact" : u" contacts") +
+                                        u" stayed in the organizer alone: the phone book "
                                         u"has room for " +
                                         decimal(app.phone.vCardMaxEntries),
                                     Icon::exclamation, Buttons::ok);

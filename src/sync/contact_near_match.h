@@ -8,8 +8,8 @@
 
 namespace tandolin {
 
-/// Contacts of one side that stand in the way of a copy: the phone holds less of a contact than the
-/// organizer, so it can be there in the other side's form and still be no pair. Copying it again
+/// Contacts of one side that stand in the way of a copy: neither side holds a contact quite as the
+/// other does, so it can be there in the other side's form and still be no pair. Copying it again
 /// would add one more on every run.
 class ContactNearMatches {
 public:
@@ -20,13 +20,16 @@ public:
     bool standForPhone(Table<Contact>& table);
 
 private:
-    using ByName = std::unordered_multimap<Text, Bookmark>;
+    /// Rows of one side alone by what they show on the phone; made when first asked.
+    using ByKey = std::unordered_multimap<std::size_t, Bookmark>;
 
-    void indexOrganizerRows(Table<Contact>& table);
+    const ByKey& organizerRows(Table<Contact>& table);
+    const ByKey& phoneRows(Table<Contact>& table);
 
-    std::unordered_set<Text> used_;
-    /// The organizer's rows by their last names on the phone, in capitals; made when first asked.
-    std::optional<ByName> organizerRows_;
+    std::optional<ByKey> organizerRows_;
+    std::optional<ByKey> phoneRows_;
+    std::unordered_set<Text> usedItems_;
+    std::unordered_set<Text> usedObjects_;
 };
 
 } // namespace tandolin

@@ -4,8 +4,10 @@
 #include "organizer/contact_reading.h"
 #include "store/contact_twins.h"
 #include "sync/contact_matching.h"
+#include "sync/contact_on_phone.h"
 
 #include <array>
+#include <unordered_map>
 
 namespace tandolin {
 
@@ -67,7 +69,8 @@ Text fileOf(const Table<Contact>& organizer) {
 }
 
 void put(const Table<Contact>& phone, Text reason) {
-    app.run.nearMatches[int16Of(leadingNumber(phone[con::MobileID]))] = {
+    const TextView object = phone[con::MobileID];
+    app.run.nearMatches[{leadingNumber(object), Text(object)}] = {
         u"nearMatch", u"phone", Text(phone[con::MobileID]), nameOf(phone), std::move(reason)};
 }
 
@@ -109,28 +112,41 @@ void noteNameless(const Table<Contact>& row) {
                              u"would not be read with it; it stays on the phone alone"});
 }
 
+void noteUnsendable(const Table<Contact>& row, const Failure& failure) {
+    Failure named = failure;
+    named.File = fileOf(row);
+    named.Description =
+        u"\"" + nameOf(row) + u"\" stays in the organizer alone: " + failure.Description;
+    ReportError(named, {u"AutoSync", u"SendSinglevCardEntry"}, named.File);
+}
+
 void collectNamesakes(Table<Contact>& table) {
     const KeepPosition keep(table);
+    std::unordered_multimap<Text, Bookmark> organizerRows;
+    const auto nameKey = [&table] {
+        return upper(table[con::LastName]) + u'\n' + upper(table[con::FirstName]);
+    };
+    for (table.MoveFirst(); !table.atEnd(); table.MoveNext()) {
+        if (table[con::EntryType] == CONST_ENTRY_vCAL_PIM) {
+            organizerRows.emplace(nameKey(), table.bookmark());
+        }
+    }
     Table<Contact> phone;
     phone.AddNew();
     for (table.MoveFirst(); !table.atEnd(); table.MoveNext()) {
-        if (table[con::EntryType] != CONST_ENTRY_vCAL_MOBILE ||
-            (table[con::LastName].empty() && table[con::FirstName].empty())) {
+        if (table[con::EntryType] != CONST_ENTRY_vCAL_MOBILE || isNameless(table)) {
+            continue;
+        }
+        const auto namesake = organizerRows.find(nameKey());
+        if (namesake == organizerRows.end()) {
             continue;
         }
         CopyFromRecordset(phone, table);
         const KeepPosition keepRow(table);
-        table.MoveFirst();
-        for (; table.Find(con::LastName, phone[con::LastName], Compare::text); table.MoveNext()) {
-            if (table[con::EntryType] != CONST_ENTRY_vCAL_PIM ||
-                !sameText(table[con::FirstName], phone[con::FirstName])) {
-                continue;
-            }
-            if (const TextView rule = whyTwoContacts(table, phone); !rule.empty()) {
-                put(phone, u"the organizer's " + described(table) + u" stays another contact: " +
-                               Text(rule));
-                break;
-            }
+        table.goTo(namesake->second);
+        if (const TextView rule = whyTwoContacts(table, phone); !rule.empty()) {
+            put(phone,
+                u"the organizer's " + described(table) + u" stays another contact: " + Text(rule));
         }
     }
 }

@@ -2,6 +2,7 @@
 
 // Notes about contacts that lose something on their way, and about namesakes that stayed two.
 
+#include "core/failure.h"
 #include "store/tables.h"
 
 namespace tandolin {
@@ -15,6 +16,10 @@ void noteCategoryOfPhone(const Table<Contact>& row);
 
 /// A card without a name, which AutoSync does not create in the organizer.
 void noteNameless(const Table<Contact>& row);
+
+/// Reports a contact of the organizer that the phone's character set cannot hold, by its name and
+/// file.
+void noteUnsendable(const Table<Contact>& row, const Failure& failure);
 
 /// Names the phone-only rows that have a namesake of the organizer alone beside them, each with the
 /// first rule that keeps the two apart. Collected behind the two reads and told by

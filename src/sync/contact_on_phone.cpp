@@ -1,9 +1,9 @@
 #include "sync/contact_on_phone.h"
 
 #include "core/trap.h"
+#include "formats/ansi.h"
 #include "formats/contact_codec.h"
-#include "store/contact_twins.h"
-#include "sync/contact_rules.h"
+#include "formats/contact_compares.h"
 
 #include <algorithm>
 #include <array>
@@ -12,27 +12,57 @@ namespace tandolin {
 
 namespace {
 
+constexpr std::array kEncodedTexts{con::LastName, con::FirstName, con::Company,
+                                   con::Street,   con::City,      con::Country};
+constexpr std::array kPlainTexts{con::ZipCode, con::eMail};
+constexpr std::array kNumbers{con::Phone, con::PhoneWork, con::PhoneMobile, con::Fax};
+constexpr TextView kScheme = u"http://";
+
 /// What the phone's form writes in other words than itself.
-constexpr TextView kNotPlain = u"=;\\";
+bool isSpecial(char16_t c) {
+    return c == u'=' || c == u';' || c == u'\\';
+}
+
+bool isPrintable(char16_t c) {
+    return c >= u' ' && c <= u'~';
+}
 
 /// Letters beyond ASCII travel encoded and come back; halves of pairs are left to the reader.
-bool isPlain(TextView text) {
-    return std::ranges::all_of(text, [](char16_t c) {
-        const bool isLetter = c >= u'\u00A0' && (c < 0xD800 || c > 0xDFFF);
-        return isLetter || (c >= u' ' && c <= u'~' && kNotPlain.find(c) == TextView::npos);
-    });
+bool comesBackEncoded(char16_t c) {
+    return (isPrintable(c) && !isSpecial(c)) || (c >= u'\u00A0' && (c < 0xD800 || c > 0xDFFF));
+}
+
+bool comesBackPlain(char16_t c) {
+    return isPrintable(c) && !isSpecial(c);
 }
 
 bool comesBack(const Table<Contact>& row) {
-    return std::ranges::all_of(kContactTwins,
-                               [&](const ContactTwin& twin) { return isPlain(row[twin.phone]); }) &&
-           isPlain(row[con::MobileCategoriesText]) &&
+    const auto all = [&row](bool (*allowed)(char16_t)) {
+        return [&row, allowed](Field<Contact, Text> field) {
+            return std::ranges::all_of(row[field], allowed);
+        };
+    };
+    return std::ranges::all_of(kEncodedTexts, all(comesBackEncoded)) &&
+           std::ranges::all_of(kPlainTexts, all(comesBackPlain)) &&
+           std::ranges::all_of(kNumbers, all(comesBackPlain)) && all(comesBackPlain)(con::URL) &&
+           all(comesBackPlain)(con::MobileCategoriesText) &&
            (!row[con::Categories] || !row[con::MobileCategoriesText].empty());
 }
 
-constexpr std::array kNumbers{con::Phone, con::PhoneWork, con::PhoneMobile, con::Fax};
-constexpr std::array kTexts{con::LastName, con::FirstName, con::Company, con::Street,
-                            con::ZipCode,  con::City,      con::Country, con::eMail};
+/// Without what the organizer drops at the ends and in between.
+Text bare(TextView text) {
+    constexpr TextView kBlanks = u" \t\r\n";
+    const std::size_t begin = std::min(text.find_first_not_of(kBlanks), text.size());
+    text = text.substr(begin, text.find_last_not_of(kBlanks) + 1 - begin);
+    Text result;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const bool isPair = text[i] == u'\r' && i + 1 < text.size() && text[i + 1] == u'\n';
+        if (text[i] != u'\0' && !isPair) {
+            result += text[i] == u'\r' ? u'\n' : text[i];
+        }
+    }
+    return result;
+}
 
 } // namespace
 
@@ -44,24 +74,36 @@ ContactOnPhone::ContactOnPhone(const Table<Contact>& organizer) {
     }
     Table<Contact> read;
     vCardCreateNewRecord(read);
-    // One that cannot be written will not be there in another form either.
-    if (!attempt([&] {
-            if (const auto unread = readContactObject(read, contactObject(row_))) {
-                throw Failure(*unread);
-            }
-        })) {
+    failure_ = attempt([&] {
+        const Text object = contactObject(row_);
+        static_cast<void>(bytesOfText(object));
+        if (const auto unread = readContactObject(read, object)) {
+            throw Failure(*unread);
+        }
+    });
+    if (!failure_) {
         row_.assignRow(read.row());
     }
 }
 
-bool ContactOnPhone::equals(const Table<Contact>& phone) const {
-    const auto agree = [&](bool (*compare)(TextView, TextView)) {
-        return
-            [&, compare](Field<Contact, Text> field) { return compare(row_[field], phone[field]); };
-    };
-    return std::ranges::all_of(kTexts, agree(CheckvCardString)) &&
-           std::ranges::all_of(kNumbers, agree(ComparePhoneNumbers)) && agree(CheckURL)(con::URL) &&
-           row_[con::Categories] == phone[con::Categories];
+Text contactKey(const Table<Contact>& row) {
+    constexpr char16_t kBetween = u'\u001F';
+    Text key(row[con::Categories] ? u"1" : u"0");
+    for (const auto& fields : {std::span(kEncodedTexts.begin(), kEncodedTexts.end()),
+                               std::span(kPlainTexts.begin(), kPlainTexts.end())}) {
+        for (const Field<Contact, Text> field : fields) {
+            key += upper(bare(row[field])) + kBetween;
+        }
+    }
+    for (const Field<Contact, Text> field : kNumbers) {
+        key += digitsOf(row[field]) + kBetween;
+    }
+    Text url = bare(row[con::URL]);
+    return key + upper(url.starts_with(kScheme) ? url.substr(kScheme.size()) : url);
+}
+
+bool isNameless(const Table<Contact>& row) {
+    return bare(row[con::LastName]).empty() && bare(row[con::FirstName]).empty();
 }
 
 } // namespace tandolin

@@ -1,6 +1,9 @@
 #pragma once
 
+#include "core/failure.h"
 #include "store/tables.h"
+
+#include <optional>
 
 namespace tandolin {
 
@@ -15,12 +18,20 @@ public:
     /// One row.
     [[nodiscard]] const Table<Contact>& row() const { return row_; }
 
-    /// Is it the contact that the current row of the phone holds? All visible fields count, none of
-    /// them only in part.
-    [[nodiscard]] bool equals(const Table<Contact>& phone) const;
+    /// Why it cannot be sent: the phone's character set lacks one of its letters.
+    [[nodiscard]] const std::optional<Failure>& failure() const { return failure_; }
 
 private:
     Table<Contact> row_;
+    std::optional<Failure> failure_;
 };
+
+/// One text for all that a row shows. Two rows that differ only in what a way through the other
+/// side changes have the same: case, blanks around a text, the form of line breaks, what is no
+/// digit of a number, the scheme of a web address.
+Text contactKey(const Table<Contact>& row);
+
+/// Has the contact neither a last nor a first name? Blanks are none: no side gives them back.
+bool isNameless(const Table<Contact>& row);
 
 } // namespace tandolin

@@ -65,8 +65,8 @@ Text described(const Table<Calendar>& organizer) {
 }
 
 void put(const Table<Calendar>& phone, Text reason) {
-    app.run.nearMatches[phone[cal::SubType]] = {u"nearMatch", u"phone", phoneObject(phone),
-                                                Text(phone[cal::Text]), std::move(reason)};
+    app.run.nearMatches[{phone[cal::SubType], {}}] = {u"nearMatch", u"phone", phoneObject(phone),
+                                                      Text(phone[cal::Text]), std::move(reason)};
 }
 
 /// The organizer-only rows of the run by place and by text.
@@ -225,7 +225,7 @@ void noteHeldBack(const Table<Calendar>& phone, const AppointmentFacts& organize
 }
 
 void forgetNearMatch(const Table<Calendar>& phone) {
-    app.run.nearMatches.erase(phone[cal::SubType]);
+    app.run.nearMatches.erase({phone[cal::SubType], {}});
 }
 
 void tellNearMatches() {

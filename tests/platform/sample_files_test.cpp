@@ -1,5 +1,6 @@
-// Files of real programs as the organizer's, where they lie beside the project: each is read or told
-// as unreadable, and an item that is saved with what it already says leaves every byte in place.
+// Files of real programs as the organizer's, where they lie beside the project: each is read or
+// told as unreadable, and an item that is saved with what it already says leaves every byte in
+// place.
 
 #include "organizer_folder_fixture.h"
 
@@ -19,7 +20,6 @@ struct Counts {
     void tell(const char* kind) const {
         MESSAGE(kind << ": " << files << " files, " << unreadable << " unreadable, " << items
                      << " items saved, " << changed << " files changed by it");
-        CHECK(changed == 0);
         CHECK(items > 0);
     }
 };
@@ -71,7 +71,9 @@ void saveAll(const char* kind, const std::string& folder,
         ++counts.files;
         counts.items += save(organizer);
         counts.unreadable += organizer.unreadable().empty() ? 0 : 1;
-        counts.changed += world.bytesOf(name) == bytes ? 0 : 1;
+        const bool same = world.bytesOf(name) == bytes;
+        CHECK(same);
+        counts.changed += same ? 0 : 1;
     }
     counts.tell(kind);
 }

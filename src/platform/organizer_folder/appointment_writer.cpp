@@ -106,7 +106,8 @@ private:
     }
 
     void setSubject(const Text& subject) {
-        if (toUtf8(subject) != before_.event.subject) {
+        // As the reader tells it: bytes that are no UTF-8 do not come back from a text.
+        if (subject != fromUtf8(before_.event.subject)) {
             putProperty("SUMMARY", escapedText(subject));
         }
     }
@@ -143,6 +144,9 @@ private:
     void setTimes(const Changes& changes) {
         const Span old{before_.event.start, before_.event.end};
         Span wanted{wantedStart(changes), 0};
+        if (!changes.end && wanted.start == old.start) {
+            return; // an end that is no whole day stays as it is, too
+        }
         wanted.end = changes.end ? wallOf(*changes.end) : wanted.start + (old.end - old.start);
         if (before_.event.allDay) {
             // An entry for whole days stays one; a time within the last day takes that day in.
