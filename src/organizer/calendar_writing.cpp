@@ -15,8 +15,6 @@ namespace tandolin {
 
 namespace {
 
-constexpr Place kHere{u"QELOutlook", u"WriteOutlookEntry"};
-
 /// A new series starts at its anchor: series pair by it, and written at the date that is shown the
 /// pair would be lost and every run would add one more.
 Date firstStart(Table<Calendar>& row) {
@@ -98,24 +96,16 @@ void changeItem(Table<Calendar>& row) {
     }
 }
 
+constexpr OrganizerWrite<Calendar> kWrite{{u"QELOutlook", u"WriteOutlookEntry"},
+                                          createItem,
+                                          changeItem,
+                                          queueOrganizerWrite,
+                                          countNewItem};
+
 } // namespace
 
 bool WriteOutlookEntry(Table<Calendar>& table, bool isNew) {
-    return trapped(kHere, false, [&](bool& result) {
-        if (!changesAreQueued()) {
-            result =
-                writeLogged(table, kHere, [&] { isNew ? createItem(table) : changeItem(table); });
-            return;
-        }
-        if (const auto failure = attempt([&] { requireSide(table); })) {
-            logOrganizerWrite(table, *failure, kHere);
-            return;
-        }
-        if (queueOrganizerWrite(table, isNew)) {
-            countNewItem();
-        }
-        result = true;
-    });
+    return writeOrQueue(table, isNew, kWrite);
 }
 
 } // namespace tandolin

@@ -11,8 +11,6 @@ namespace tandolin {
 
 namespace {
 
-constexpr Place kHere{u"QELOutlook", u"vCardWriteOutookEntry"};
-
 void countNewItem() {
     ++app.organizer.vCardPIMCount;
     app.organizer.vCardPIMRead = flagOf(app.organizer.vCardPIMCount >= 0);
@@ -50,24 +48,16 @@ void changeItem(Table<Contact>& row) {
     }
 }
 
+constexpr OrganizerWrite<Contact> kWrite{{u"QELOutlook", u"vCardWriteOutookEntry"},
+                                         createItem,
+                                         changeItem,
+                                         queueContactOrganizerWrite,
+                                         countNewItem};
+
 } // namespace
 
 bool vCardWriteOutookEntry(Table<Contact>& table, bool isNew) {
-    return trapped(kHere, false, [&](bool& result) {
-        if (!changesAreQueued()) {
-            result =
-                writeLogged(table, kHere, [&] { isNew ? createItem(table) : changeItem(table); });
-            return;
-        }
-        if (const auto failure = attempt([&] { requireSide(table); })) {
-            logOrganizerWrite(table, *failure, kHere);
-            return;
-        }
-        if (queueContactOrganizerWrite(table, isNew)) {
-            countNewItem();
-        }
-        result = true;
-    });
+    return writeOrQueue(table, isNew, kWrite);
 }
 
 } // namespace tandolin

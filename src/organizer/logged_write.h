@@ -6,6 +6,7 @@
 #include "core/trap.h"
 #include "log/log_model.h"
 #include "store/common_fields.h"
+#include "sync/queue.h"
 
 #include <utility>
 
@@ -26,16 +27,27 @@ void logOrganizerWrite(const Table<L>& row, const Failure& failure, Place place)
     LogTransferEntry(row, failure, place);
 }
 
-/// Writes the row, which has a side in the organizer, and logs it. True when `write` did not throw;
+/// What sets the writes of one kind apart.
+template <class L>
+struct OrganizerWrite {
+    Place place;
+    void (*create)(Table<L>& row);
+    void (*change)(Table<L>& row);
+    /// True when the organizer will hold one item more.
+    bool (*queue)(Table<L>& row, bool isNew);
+    void (*countNew)();
+};
+
+/// Writes the row, which has a side in the organizer, and logs it. True when nothing was thrown;
 /// the row's edit is over then.
-template <class L, class Write>
-bool writeLogged(Table<L>& row, Place place, Write&& write) {
+template <class L>
+bool writeNow(Table<L>& row, bool isNew, const OrganizerWrite<L>& kind) {
     const auto failure = attempt([&] {
         requireSide(row);
         if (!app.organizer.OrganizerPresent) {
             throw Failure(failure_number::kOrganizer, u"There is no organizer");
         }
-        std::forward<Write>(write)();
+        isNew ? kind.create(row) : kind.change(row);
     });
     if (failure && failure->Number == failure_number::kDiskFull) {
         app.run.diskFull = true;
@@ -43,8 +55,27 @@ bool writeLogged(Table<L>& row, Place place, Write&& write) {
     if (!failure) {
         row.endEdit();
     }
-    logOrganizerWrite(row, failure.value_or(Failure{}), place);
+    logOrganizerWrite(row, failure.value_or(Failure{}), kind.place);
     return !failure;
+}
+
+/// Writes the row at once, or queues it while changes wait for a transfer.
+template <class L>
+bool writeOrQueue(Table<L>& row, bool isNew, const OrganizerWrite<L>& kind) {
+    return trapped(kind.place, false, [&](bool& result) {
+        if (!changesAreQueued()) {
+            result = writeNow(row, isNew, kind);
+            return;
+        }
+        if (const auto failure = attempt([&] { requireSide(row); })) {
+            logOrganizerWrite(row, *failure, kind.place);
+            return;
+        }
+        if (kind.queue(row, isNew)) {
+            kind.countNew();
+        }
+        result = true;
+    });
 }
 
 /// A save of which only the answer was lost is done. Tried again it would make a second item, or
