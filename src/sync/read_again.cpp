@@ -4,8 +4,9 @@
 #include "core/state.h"
 #include "core/trap.h"
 #include "organizer/calendar_reading.h"
+#include "organizer/contact_reading.h"
 #include "phone/phone_dialog_reading.h"
-#include "sync/calendar_queue.h"
+#include "sync/queue.h"
 
 namespace tandolin {
 
@@ -15,39 +16,63 @@ constexpr TextView kModule = u"Verwaltung";
 
 } // namespace
 
-QueuedSides queuedSides(Table<Calendar>& queue) {
+template <class L>
+QueuedSides queuedSides(Table<L>& queue) {
+    using F = Common<L>;
     QueuedSides sides;
     const KeepPosition keep(queue);
     for (queue.MoveFirst(); !queue.atEnd(); queue.MoveNext()) {
-        sides.organizer = sides.organizer || queue[cal::TransferNew] == kToOrganizer;
-        sides.phone = sides.phone || queue[cal::TransferNew] == kToPhone;
+        sides.organizer = sides.organizer || queue[F::TransferNew] == kToOrganizer;
+        sides.phone = sides.phone || queue[F::TransferNew] == kToPhone;
     }
     return sides;
 }
 
-void readPhoneAgain() {
+template <>
+void readPhoneAgain<Calendar>() {
     vCalReadMobile(false);
 }
 
-void readOrganizerAgain() {
+template <>
+void readPhoneAgain<Contact>() {
+    vCardReadMobile(false);
+}
+
+template <>
+void readOrganizerAgain<Calendar>() {
     const BusyPointer busy;
     vCalReadOutlook(tables.RSCalendar, false);
 }
 
-void reReadMobile(Table<Calendar>& queue) {
+template <>
+void readOrganizerAgain<Contact>() {
+    const BusyPointer busy;
+    vCardReadOutlook(tables.RSContacts, false);
+}
+
+template <class L>
+void reReadMobile(Table<L>& queue) {
     trapped({kModule, u"reReadMobile"}, [&queue] {
         if (queuedSides(queue).phone) {
-            readPhoneAgain();
+            readPhoneAgain<L>();
         }
     });
 }
 
-void reReadPIM(Table<Calendar>& queue) {
+template <class L>
+void reReadPIM(Table<L>& queue) {
     trapped({kModule, u"reReadPIM"}, [&queue] {
         if (queuedSides(queue).organizer) {
-            readOrganizerAgain();
+            readOrganizerAgain<L>();
         }
     });
 }
+
+template QueuedSides queuedSides(Table<Calendar>& queue);
+template QueuedSides queuedSides(Table<Contact>& queue);
+template void reReadMobile(Table<Calendar>& queue);
+template void reReadMobile(Table<Contact>& queue);
+template void reReadPIM(Table<Calendar>& queue);
+template void reReadPIM(Table<Contact>& queue);
 
 } // namespace tandolin
