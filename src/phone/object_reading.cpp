@@ -50,6 +50,11 @@ bool readOne(const ObjectKind& kind, Place place, TextView fileName, const TakeO
         reportObject(place, fileName, u"The object is empty");
         return true;
     }
+    if (object.find(u':') == Text::npos) {
+        // The reader passes over what it does not know, and would make an empty entry of this.
+        reportObject(place, fileName, u"The file holds no object");
+        return false;
+    }
     if (isCutShort(kind, object)) {
         // The reader takes what is there; what is missing would look like another entry.
         reportObject(place, fileName, u"The object has no end: it was not read whole");
