@@ -139,8 +139,9 @@ std::vector<FolderRecord> ContactFolders::stored(Depth depth) const {
     std::vector<FolderRecord> folders =
         below(directory_, {}, rootName(), depth == Depth::top ? 1 : kDeepest);
     // Whoever takes the first one takes the default one.
-    std::ranges::stable_partition(
-        folders, [](const FolderRecord& folder) { return folder.EntryID == kFirstFolder; });
+    std::stable_partition(folders.begin(), folders.end(), [](const FolderRecord& folder) {
+        return folder.EntryID == kFirstFolder;
+    });
     return folders;
 }
 
