@@ -109,9 +109,12 @@ std::vector<std::string> listed(std::string_view text) {
 /// Takes a category, which may hold commas itself, out of the tokens. False when it is not there.
 bool takeCategory(std::vector<std::string>& tokens, const std::string& category) {
     const std::vector<std::string> sought = listed(category);
-    const auto found = std::ranges::search(tokens, sought);
-    tokens.erase(found.begin(), found.end());
-    return !found.empty();
+    const auto found = std::search(tokens.begin(), tokens.end(), sought.begin(), sought.end());
+    if (sought.empty() || found == tokens.end()) {
+        return false;
+    }
+    tokens.erase(found, found + std::ssize(sought));
+    return true;
 }
 
 /// One edit of one card. It decides on the card as it was read; the lines change at the end.
