@@ -43,7 +43,7 @@ struct DeleteWorld : ContactWorld {
 
     void sendQueued() {
         if (app.settings.SaveTyp == kLater) {
-            CHECK(contactWrites() == 0);
+            CHECK(writes() == 0);
             CHECK(transfer());
         }
     }
@@ -114,7 +114,7 @@ TEST_CASE("The side whose tick is off goes, after a question that names it") {
                 CHECK(world.screen.boxesShown ==
                       std::vector{u"Eintrag: Meier Eva\r\n" + Text(c.warning) +
                                   u"\r\nSind Sie sicher?"});
-                CHECK(world.contactWrites() == 0);
+                CHECK(world.writes() == 0);
                 CHECK(world.queue.isEmpty());
             }
             CHECK(ask(Answer::ok, deleted));

@@ -9,13 +9,10 @@
 #include "formats/contact_codec.h"
 #include "organizer/contact_reading.h"
 #include "organizer/contact_writing.h"
-#include "organizer/removal.h"
-#include "phone/contact_writing.h"
 #include "phone/phone_reading.h"
 #include "sync/contact_queue.h"
-#include "sync/sync_world.h"
+#include "sync/queued_world.h"
 #include "sync/transfer.h"
-#include "sync/transfer_table.h"
 
 #include <sstream>
 
@@ -41,15 +38,15 @@ inline std::string cardOf(const ContactLine& contact) {
            "\r\nTEL;HOME:" + contact.number + "\r\nEND:VCARD\r\n";
 }
 
-struct ContactWorld : SyncWorld {
-    Table<Contact>& table = tables.RSContacts;
-    Table<Contact>& queue = tables.RSContactsSave;
+struct ContactWorld : QueuedWorld<Contact> {
+    static constexpr TextView kEntry = u"Meier";
+    static constexpr TextView kEdited = u"2";
+    static constexpr TextView kInBetween = u"9";
 
-    ContactWorld(const Lines& phoneLines, const Lines& organizerLines) {
+    ContactWorld(const Lines& phoneLines, const Lines& organizerLines)
+        : QueuedWorld(tables.RSContacts, tables.RSContactsSave) {
         put(phoneLines, organizerLines);
-        app.settings.SaveTyp = 2;
         app.settings.ActiveAPP = 1;
-        app.phone.MobileConnected = kTrue;
         app.organizer.GlobalContactFolder = FolderRecord{};
         PXDInfoAll(phoneServer(), app.phone.GlobalMobilePaths);
         read();
@@ -113,32 +110,6 @@ struct ContactWorld : SyncWorld {
         CHECK(send());
     }
 
-    bool removeFromOrganizer() {
-        table.set(con::PIM, false);
-        return RemoveEntryFromOutlook(table);
-    }
-
-    bool removeFromPhone() {
-        table.set(con::Mobile, false);
-        return RemoveEntryFromMobile(app.phone.MobileConnected, app.phone.GlobalMobilePaths, table);
-    }
-
-    void untickOrganizer() { CHECK(removeFromOrganizer()); }
-
-    void untickPhone() { CHECK(removeFromPhone()); }
-
-    void remove() {
-        const std::int32_t sides = table[con::EntryType];
-        table.set(con::PIM, false);
-        table.set(con::Mobile, false);
-        if (sides != CONST_ENTRY_vCAL_PIM) {
-            untickPhone();
-        }
-        if (sides != CONST_ENTRY_vCAL_MOBILE) {
-            untickOrganizer();
-        }
-    }
-
     /// A new contact, as the editor fills it in.
     void addNew(TextView last, bool onPhone, bool inOrganizer) {
         vCardCreateNewRecord(table);
@@ -175,22 +146,6 @@ struct ContactWorld : SyncWorld {
         CHECK_FALSE(app.run.entriesFailed);
     }
 
-    /// What a transfer would do, row by row.
-    [[nodiscard]] std::string routes() const {
-        static constexpr std::array kNames{"-", "send", "clear", "write", "delete"};
-        std::string all;
-        for (queue.MoveFirst(); !queue.atEnd(); queue.MoveNext()) {
-            all += all.empty() ? "" : " ";
-            all += kNames.at(static_cast<std::size_t>(transferActionOf(queue)));
-        }
-        return all;
-    }
-
-    [[nodiscard]] bool toolShown() const {
-        const auto tool = screen.shownTools.find(u"TDLTools/TDLSave");
-        return tool != screen.shownTools.end() && tool->second;
-    }
-
     [[nodiscard]] Lines onPhone() const {
         std::map<std::int64_t, std::string> byNumber;
         for (const auto& [path, bytes] : phone.files) {
@@ -217,12 +172,6 @@ struct ContactWorld : SyncWorld {
                                    contact.HomeTelephoneNumber));
         }
         return lines;
-    }
-
-    /// Objects stored or removed and contacts saved or removed so far.
-    [[nodiscard]] std::ptrdiff_t contactWrites() const {
-        return phone.callsOf(u"PXDWrite") + phone.callsOf(u"PXDDelete") +
-               organizer.callsOf(u"SaveContact") + organizer.callsOf(u"DeleteContact");
     }
 
 private:

@@ -1,29 +1,25 @@
 #pragma once
 
-// A phone and an organizer that were read, and a user whose changes wait for a transfer. The steps
-// below are what the grid and the editor do with the row of an entry.
+// The calendars of a phone and an organizer that were read, and a user who changes entries.
 
 #include "organizer/calendar_reading.h"
-#include "organizer/removal.h"
 #include "organizer/calendar_writing.h"
 #include "phone/free_numbers.h"
 #include "phone/phone_reading.h"
-#include "phone/phone_writing.h"
 #include "sync/calendar_queue.h"
-#include "sync/sync_world.h"
+#include "sync/queued_world.h"
 #include "sync/transfer.h"
-#include "sync/transfer_table.h"
 
 namespace tandolin::testing {
 
-struct QueueWorld : SyncWorld {
-    Table<Calendar>& table = tables.RSCalendar;
-    Table<Calendar>& queue = tables.RSCalendarSave;
+struct QueueWorld : QueuedWorld<Calendar> {
+    static constexpr TextView kEntry = u"Alt";
+    static constexpr TextView kEdited = u"Neu";
+    static constexpr TextView kInBetween = u"Zwischen";
 
-    QueueWorld(const Lines& phoneLines, const Lines& organizerLines) {
+    QueueWorld(const Lines& phoneLines, const Lines& organizerLines)
+        : QueuedWorld(tables.RSCalendar, tables.RSCalendarSave) {
         fill(phoneLines, organizerLines);
-        app.settings.SaveTyp = 2;
-        app.phone.MobileConnected = kTrue;
         app.sync.DateFrameFrom = app.sync.GlobalPeriodStart = at(2026, 11, 21);
         app.sync.DateFrameTo = app.sync.GlobalPeriodEnd = at(2026, 12, 31, 23, 59, 59);
         PXDInfoAll(phoneServer(), app.phone.GlobalMobilePaths);
@@ -46,7 +42,7 @@ struct QueueWorld : SyncWorld {
         }
     }
 
-    void editText(TextView text) {
+    void edit(TextView text) {
         table.beginEdit();
         table.set(cal::Text, text);
         table.set(cal::Description, text);
@@ -68,45 +64,7 @@ struct QueueWorld : SyncWorld {
         CHECK(SendSingleEntry(table));
     }
 
-    void untickOrganizer() {
-        table.set(cal::PIM, false);
-        CHECK(RemoveEntryFromOutlook(table));
-    }
-
-    void untickPhone() {
-        table.set(cal::Mobile, false);
-        CHECK(RemoveEntryFromMobile(app.phone.MobileConnected, app.phone.GlobalMobilePaths, table));
-    }
-
-    void remove() {
-        const std::int32_t sides = table[cal::EntryType];
-        table.set(cal::PIM, false);
-        table.set(cal::Mobile, false);
-        if (sides != CONST_ENTRY_vCAL_PIM) {
-            untickPhone();
-        }
-        if (sides != CONST_ENTRY_vCAL_MOBILE) {
-            untickOrganizer();
-        }
-    }
-
     bool transfer() { return TransfertoMobile(tables.RSContactsSave, queue); }
-
-    /// What a transfer would do, row by row.
-    [[nodiscard]] std::string routes() const {
-        static constexpr std::array kNames{"-", "send", "clear", "write", "delete"};
-        std::string all;
-        for (queue.MoveFirst(); !queue.atEnd(); queue.MoveNext()) {
-            all += all.empty() ? "" : " ";
-            all += kNames.at(static_cast<std::size_t>(transferActionOf(queue)));
-        }
-        return all;
-    }
-
-    [[nodiscard]] bool toolShown() const {
-        const auto tool = screen.shownTools.find(u"TDLTools/TDLSave");
-        return tool != screen.shownTools.end() && tool->second;
-    }
 };
 
 } // namespace tandolin::testing

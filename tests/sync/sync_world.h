@@ -184,7 +184,8 @@ struct SyncWorld : FreshProgram {
     /// Objects stored or removed and items saved or removed so far.
     [[nodiscard]] std::ptrdiff_t writes() const {
         return phone.callsOf(u"PXDWrite") + phone.callsOf(u"PXDDelete") +
-               organizer.callsOf(u"Save") + organizer.callsOf(u"Delete");
+               organizer.callsOf(u"Save") + organizer.callsOf(u"Delete") +
+               organizer.callsOf(u"SaveContact") + organizer.callsOf(u"DeleteContact");
     }
 };
 

@@ -51,11 +51,11 @@ struct FaultyQueue : QueueWorld {
 
     void fillQueue() {
         select(u"A");
-        editText(u"A changed");
+        edit(u"A changed");
         select(u"B");
         remove();
         select(u"D");
-        editText(u"D changed");
+        edit(u"D changed");
         select(u"E");
         remove();
         select(u"F");
@@ -67,7 +67,7 @@ struct FaultyQueue : QueueWorld {
         select(u"I");
         tickOrganizer();
         select(u"K");
-        editText(u"K changed");
+        edit(u"K changed");
         select(u"L");
         remove();
         addNew();

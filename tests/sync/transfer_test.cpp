@@ -22,7 +22,7 @@ Lines inOrganizerAs(std::string_view marks) {
 void editAll(QueueWorld& world) {
     for (const TextView text : {u"A", u"B", u"C", u"D", u"E"}) {
         world.select(text);
-        world.editText(Text(text) + u"x");
+        world.edit(Text(text) + u"x");
     }
 }
 
@@ -231,7 +231,7 @@ TEST_CASE("A number that was given while the phone was away is asked for again")
     app.phone.vCalLastIndex = 9;
     world.select(u"B");
     world.tickPhone();
-    world.editText(u"Bx");
+    world.edit(u"Bx");
     CHECK(world.table[cal::SubType] == 1);
     app.phone.MobileConnected = kTrue;
     CHECK(world.transfer());

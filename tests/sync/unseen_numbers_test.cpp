@@ -52,7 +52,7 @@ TEST_CASE("An object under a number that was given unseen is never written over"
               [](UnseenWorld& w) {
                   REQUIRE(vCalReadMobile(true));
                   w.select(u"Fremd");
-                  w.editText(u"Fremd"); // a write of its own, not in place of the other's
+                  w.edit(u"Fremd"); // a write of its own, not in place of the other's
               },
               true, both, 2},
          }) {
@@ -184,7 +184,7 @@ TEST_CASE("A made-up key is no number of the phone") {
 TEST_CASE("What was written is on the disk before it counts as done") {
     QueueWorld world({"1 M 2026-11-22 09:00 A"}, {"u1 M 2026-11-22 09:00 A"});
     world.select(u"A");
-    world.editText(u"Ax");
+    world.edit(u"Ax");
     const auto flushes = [&world] {
         return std::ranges::count_if(world.phone.calls,
                                      [](const Text& call) { return call.starts_with(u"flush"); }) +
