@@ -49,18 +49,22 @@ bool comesBack(const Table<Contact>& row) {
            (!row[con::Categories] || !row[con::MobileCategoriesText].empty());
 }
 
-/// Without what the organizer drops at the ends and in between.
-Text bare(TextView text) {
+/// Appends the text without what the organizer drops at the ends and in between.
+void appendBare(Text& result, TextView text) {
     constexpr TextView kBlanks = u" \t\r\n";
     const std::size_t begin = std::min(text.find_first_not_of(kBlanks), text.size());
     text = text.substr(begin, text.find_last_not_of(kBlanks) + 1 - begin);
-    Text result;
     for (std::size_t i = 0; i < text.size(); ++i) {
         const bool isPair = text[i] == u'\r' && i + 1 < text.size() && text[i + 1] == u'\n';
         if (text[i] != u'\0' && !isPair) {
             result += text[i] == u'\r' ? u'\n' : text[i];
         }
     }
+}
+
+Text bare(TextView text) {
+    Text result;
+    appendBare(result, text);
     return result;
 }
 
@@ -88,18 +92,23 @@ ContactOnPhone::ContactOnPhone(const Table<Contact>& organizer) {
 
 Text contactKey(const Table<Contact>& row) {
     constexpr char16_t kBetween = u'\u001F';
-    Text key(row[con::Categories] ? u"1" : u"0");
+    constexpr std::size_t kUsualLength = 120;
+    Text key;
+    key.reserve(kUsualLength);
+    key += row[con::Categories] ? u'1' : u'0';
     for (const auto& fields : {std::span(kEncodedTexts.begin(), kEncodedTexts.end()),
                                std::span(kPlainTexts.begin(), kPlainTexts.end())}) {
         for (const Field<Contact, Text> field : fields) {
-            key += upper(bare(row[field])) + kBetween;
+            appendBare(key, row[field]);
+            key += kBetween;
         }
     }
     for (const Field<Contact, Text> field : kNumbers) {
-        key += digitsOf(row[field]) + kBetween;
+        key.append(digitsOf(row[field])).append(1, kBetween);
     }
-    Text url = bare(row[con::URL]);
-    return key + upper(url.starts_with(kScheme) ? url.substr(kScheme.size()) : url);
+    const Text url = bare(row[con::URL]);
+    key += TextView(url).substr(url.starts_with(kScheme) ? kScheme.size() : 0);
+    return upper(key);
 }
 
 bool isNameless(const Table<Contact>& row) {

@@ -38,9 +38,7 @@ void takeType(std::string_view word, Marks& marks) {
 }
 
 void takeTypes(std::string_view list, Marks& marks) {
-    for (const std::string_view word : partsOf(list, ',')) {
-        takeType(word, marks);
-    }
+    eachPart(list, ',', [&](std::string_view word) { takeType(word, marks); });
 }
 
 enum class Charset { utf8OrWindows, windows, unknown };
@@ -174,6 +172,7 @@ std::string quoted(std::string_view piece) {
 
 std::string escaped(std::string_view text, Escape escape, Version version) {
     std::string result;
+    result.reserve(text.size());
     for (const char c : text) {
         const bool separates = c == ';' ? escape != Escape::address : c == ',';
         if (c == '\n') {
@@ -181,7 +180,7 @@ std::string escaped(std::string_view text, Escape escape, Version version) {
         } else if (version == Version::v21) {
             result.append(c == ';' && escape == Escape::structured ? "\\" : "").append(1, c);
         } else if (c == '\\' || (separates && escape != Escape::address)) {
-            result.append({'\\', c});
+            result.append(1, '\\').append(1, c);
         } else {
             result += c;
         }
@@ -258,16 +257,7 @@ Marks marksOf(std::string_view parameters) {
 
 std::vector<std::string_view> partsOf(std::string_view value, char separator) {
     std::vector<std::string_view> parts;
-    std::size_t begin = 0;
-    for (std::size_t i = 0; i < value.size(); ++i) {
-        if (value[i] == '\\') {
-            ++i;
-        } else if (value[i] == separator) {
-            parts.push_back(value.substr(begin, i - begin));
-            begin = i + 1;
-        }
-    }
-    parts.push_back(value.substr(std::min(begin, value.size())));
+    eachPart(value, separator, [&](std::string_view part) { parts.push_back(part); });
     return parts;
 }
 

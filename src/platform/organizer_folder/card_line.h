@@ -9,6 +9,7 @@
 
 #include "platform/organizer_folder/content_lines.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -48,7 +49,22 @@ struct Marks {
 
 Marks marksOf(std::string_view parameters);
 
-/// The pieces between bare separators; at least one.
+/// Calls `each` with the pieces between bare separators; there is at least one.
+template <class Each>
+void eachPart(std::string_view value, char separator, Each each) {
+    std::size_t begin = 0;
+    for (std::size_t i = 0; i < value.size(); ++i) {
+        if (value[i] == '\\') {
+            ++i;
+        } else if (value[i] == separator) {
+            each(value.substr(begin, i - begin));
+            begin = i + 1;
+        }
+    }
+    each(value.substr(std::min(begin, value.size())));
+}
+
+/// All of them.
 std::vector<std::string_view> partsOf(std::string_view value, char separator);
 
 /// A text in UTF-8 with LF between its lines, no blanks around, and nothing that no card can hold.

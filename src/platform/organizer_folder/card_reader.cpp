@@ -202,8 +202,13 @@ std::string Card::text(const CardLine* line, std::size_t part) const {
     if (line == nullptr) {
         return {};
     }
-    const auto parts = partsOf(line->property.value, ';');
-    return part < parts.size() ? textOf(parts[part], line->marks, version_) : std::string();
+    std::string text;
+    eachPart(line->property.value, ';', [&, place = std::size_t{0}](std::string_view one) mutable {
+        if (place++ == part) {
+            text = textOf(one, line->marks, version_);
+        }
+    });
+    return text;
 }
 
 std::string_view schemeOf(std::string_view number) {

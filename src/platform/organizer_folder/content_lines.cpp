@@ -85,10 +85,7 @@ std::string_view withoutBlanks(std::string_view text) {
     return text;
 }
 
-bool sameName(std::string_view a, std::string_view b) {
-    if (a.size() != b.size()) {
-        return false;
-    }
+bool sameLetters(std::string_view a, std::string_view b) {
     for (std::size_t i = 0; i < a.size(); ++i) {
         if (a[i] != b[i] && lower(a[i]) != lower(b[i])) {
             return false;

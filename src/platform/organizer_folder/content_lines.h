@@ -43,8 +43,13 @@ inline constexpr std::size_t kNoLine = static_cast<std::size_t>(-1);
 /// The text without blanks and tabs at both ends.
 std::string_view withoutBlanks(std::string_view text);
 
+/// The same for names of one length.
+bool sameLetters(std::string_view a, std::string_view b);
+
 /// ASCII comparison without regard to case, as names of properties and parameters are compared.
-bool sameName(std::string_view a, std::string_view b);
+inline bool sameName(std::string_view a, std::string_view b) {
+    return a.size() == b.size() && sameLetters(a, b); // most names differ in length
+}
 
 /// The name before the first ";" or ":".
 std::string_view propertyName(std::string_view text);

@@ -73,11 +73,20 @@ FileStamp ItemDirectory::stamp() const {
     return stampFromFacts(facts);
 }
 
-void ItemDirectory::checkOpen() const {
-    if (stamp() == FileStamp{}) {
-        return;
+FileStamp ItemDirectory::openedStamp() const {
+    struct stat facts {};
+
+    if (::fstat(opened_.descriptor(), &facts) != 0) {
+        refuse(errno, directory_, fromUtf8(labelFolder_));
     }
-    if (::faccessat(AT_FDCWD, directory_.c_str(), R_OK | X_OK, AT_EACCESS) != 0) {
+    return stampFromFacts(facts);
+}
+
+void ItemDirectory::checkOpen() const {
+    // What stands before a slash must be a directory.
+    const bool open =
+        ::faccessat(AT_FDCWD, (directory_ / ".").c_str(), R_OK | X_OK, AT_EACCESS) == 0;
+    if (!open && (errno != ENOENT || missing_ != Missing::isEmpty)) {
         refuse(errno, directory_, fromUtf8(labelFolder_));
     }
 }

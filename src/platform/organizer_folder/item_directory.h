@@ -36,6 +36,8 @@ public:
     void checkOpen() const;
     /// The stamp of the directory itself, of one that is missing the default. Throws Failure -1987.
     [[nodiscard]] FileStamp stamp() const;
+    /// The stamp of the directory that was opened, which may bear another name by now.
+    [[nodiscard]] FileStamp openedStamp() const;
     /// The names of all its files in order; hidden and temporary ones, what is no file, and
     /// links that leave the root are passed over. Opens the directory for what follows. Throws
     /// Failure -1987.

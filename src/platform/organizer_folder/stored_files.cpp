@@ -256,7 +256,7 @@ void StoredFiles::observedChange(std::uint32_t file, std::optional<std::string_v
              });
     written_ = true;
     if (seenAll) {
-        folderStamp_ = directory_.stamp();
+        folderStamp_ = directory_.openedStamp();
     }
 }
 
