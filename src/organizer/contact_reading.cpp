@@ -2,12 +2,9 @@
 
 #include "core/state.h"
 #include "core/trap.h"
-#include "formats/contact_codec.h"
 #include "organizer/clear_organizer.h"
+#include "organizer/contact_pairing.h"
 #include "organizer/unreadable_notes.h"
-#include "store/work_row.h"
-#include "sync/contact_matching.h"
-#include "sync/organizer_contact.h"
 
 namespace tandolin {
 
@@ -15,34 +12,21 @@ namespace {
 
 constexpr TextView kModule = u"QELOutlook";
 
-void takeItem(Table<Contact>& table, const ContactFacts& item) {
-    const WorkRow row(tables.RSContactsWork, vCardCreateNewRecord);
-    Table<Contact>& work = tables.RSContactsWork;
-    if (!vCardInsertEntry(item, work)) {
-        // A row that is not whole must not look like a contact that is missing on one side.
-        throw Failure(failure_number::kOrganizer, u"A contact could not be read: " + item.File);
-    }
-    const bool phoneThere = app.phone.vCardRead && app.phone.vCardEntryCount >= 1;
-    if (phoneThere && vCardFindCompare(table, work)) {
-        vCardSyncOutlookEntry(table, work);
-    } else {
-        table.AddCopy(work.row());
-    }
-}
-
 void readItems(Table<Contact>& table, ContactOrder order) {
     ContactFolder& folder = contactItemsInUse();
     folder.Sort(order);
     const std::size_t count = folder.Count();
+    ContactPairing pairing(table);
     std::int32_t taken = 0;
     for (std::size_t i = 1; i <= count && app.status.GetState(); ++i) {
         const ContactFacts& item = folder.Item(i);
         if (isReadAsContact(item)) {
             app.status.SetText(decimal(++taken) + u": " + tr(ids::kSearchOrganizer) + u" " +
                                app.organizer.OrganizerName);
-            takeItem(table, item);
+            pairing.take(item);
         }
     }
+    pairing.end();
 }
 
 bool readContacts(Table<Contact>& table, ContactOrder order, Place place) {

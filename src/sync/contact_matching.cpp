@@ -21,18 +21,14 @@ struct FilledCopies {
     }
 };
 
-bool sameAsItIs(Table<Contact>& main, Table<Contact>& work) {
-    return sameContact(main, work);
-}
-
 /// A name alone makes nobody the same person: what is filled in is judged on copies, and only a
 /// match writes it back.
-bool sameWhenFilled(Table<Contact>& main, Table<Contact>& work) {
+bool sameWhenFilled(Table<Contact>& main, Table<Contact>& work, const MayFill& mayFill) {
     if (!firstNamesAgree(main, work)) {
         return false;
     }
     const FilledCopies filled(main, work);
-    if (!sameContact(filled.main, filled.work)) {
+    if (!sameContact(filled.main, filled.work) || (mayFill && !mayFill(main, work))) {
         return false;
     }
     main.assignRow(filled.main.row());
@@ -40,18 +36,32 @@ bool sameWhenFilled(Table<Contact>& main, Table<Contact>& work) {
     return true;
 }
 
+/// `same` looks at the main table's row.
+template <class Same>
+bool findNamesake(Table<Contact>& table, const Table<Contact>& work, Same&& same) {
+    const Text lastName(work[con::LastName]);
+    return positionOnMatch(table, con::LastName, lastName, Compare::text, same);
+}
+
 } // namespace
 
-bool vCardFindCompare(Table<Contact>& mainTable, Table<Contact>& workTable) {
+bool findSameContact(Table<Contact>& mainTable, Table<Contact>& workTable) {
+    return findNamesake(mainTable, workTable, [&] { return sameContact(mainTable, workTable); });
+}
+
+bool findFilledContact(Table<Contact>& mainTable, Table<Contact>& workTable,
+                       const MayFill& mayFill) {
+    return findNamesake(mainTable, workTable,
+                        [&] { return sameWhenFilled(mainTable, workTable, mayFill); });
+}
+
+bool vCardFindCompare(Table<Contact>& mainTable, Table<Contact>& workTable,
+                      const MayFill& mayFill) {
     return trapped({u"Verwaltung", u"vCardFindCompare"}, false, [&](bool& found) {
-        const Text lastName(workTable[con::LastName]);
-        const auto find = [&](bool (*same)(Table<Contact>&, Table<Contact>&)) {
-            return positionOnMatch(mainTable, con::LastName, lastName, Compare::text,
-                                   [&] { return same(mainTable, workTable); });
-        };
         // One that says the same goes before one that would only once it is filled: that one is
         // another's partner, who would be copied anew on every run.
-        found = find(sameAsItIs) || (app.sync.AutoSyncRunning && find(sameWhenFilled));
+        found = findSameContact(mainTable, workTable) ||
+                (app.sync.AutoSyncRunning && findFilledContact(mainTable, workTable, mayFill));
     });
 }
 

@@ -144,10 +144,10 @@ void collectNamesakes(Table<Contact>& table) {
         CopyFromRecordset(phone, table);
         const KeepPosition keepRow(table);
         table.goTo(namesake->second);
-        if (const TextView rule = whyTwoContacts(table, phone); !rule.empty()) {
-            put(phone,
-                u"the organizer's " + described(table) + u" stays another contact: " + Text(rule));
-        }
+        const TextView rule = whyTwoContacts(table, phone);
+        put(phone,
+            u"the organizer's " + described(table) + u" stays another contact: " +
+                Text(rule.empty() ? u"one of them is the same as a third on the phone" : rule));
     }
 }
 

@@ -46,21 +46,50 @@ struct ContactWorld : SyncWorld {
 
 } // namespace
 
-TEST_CASE("A long name and its namesake do not grow by one on every run") {
-    // The phone holds the long name cut, as it holds the other one's. The number of the cut one
-    // must not make it the other's partner, who has no number and a card of its own.
-    ContactWorld world;
-    app.core.GlobalSilentMode = kTrue;
-    app.settings.SyncTyp = 4;
-    world.putCard(13, "N:Oberstudiendirektorin vo;");
-    world.organizer.contacts.add(u"u1", u"Oberstudiendirektorin von", u"").HomeTelephoneNumber =
-        u"123";
-    for (const char* run : {"first", "second", "third"}) {
-        CAPTURE(run);
-        PXDInfoAll(phoneServer(), app.phone.GlobalMobilePaths);
-        SilentAutoSyncvCard();
-        CHECK(world.cards() == 2);
-        CHECK(world.organizer.contacts.items.size() == 2);
+TEST_CASE("Namesakes do not grow by one on every run") {
+    // The phone holds the long name cut, as it holds the other one's: what stands for the one must
+    // not become the other's partner. Each world has two people.
+    const TextView cut = u"Oberstudiendirektorin vo";
+    const TextView whole = u"Oberstudiendirektorin von";
+
+    struct Person { // of the organizer
+        TextView lastName, home, office;
+    };
+
+    struct World {
+        const char* name;
+        std::string card; // behind the cut name
+        std::vector<Person> people;
+    };
+
+    for (const World& two : std::vector<World>{
+             {"a card that the phone has for itself", "", {{whole, u"123", u""}}},
+             {"one is filled by the other's card",
+              "\r\nTEL;HOME;VOICE:123",
+              {{cut, u"", u"456"}, {whole, u"", u""}}},
+             {"one says what the other's card says",
+              "",
+              {{cut, u"123", u""}, {whole, u"123", u""}}},
+             {"one says no more than the other's card", "", {{cut, u"123", u""}, {cut, u"", u""}}},
+         }) {
+        CAPTURE(two.name);
+        ContactWorld world;
+        app.core.GlobalSilentMode = kTrue;
+        app.settings.SyncTyp = 4;
+        world.putCard(13, "N:Oberstudiendirektorin vo;" + two.card);
+        for (const Person& person : two.people) {
+            const Text id = u"u" + decimal(std::ssize(world.organizer.contacts.items));
+            auto& item = world.organizer.contacts.add(id, Text(person.lastName), u"");
+            item.HomeTelephoneNumber = person.home;
+            item.BusinessTelephoneNumber = person.office;
+        }
+        for (const char* run : {"first", "second", "third"}) {
+            CAPTURE(run);
+            PXDInfoAll(phoneServer(), app.phone.GlobalMobilePaths);
+            SilentAutoSyncvCard();
+            CHECK(world.cards() == 2);
+            CHECK(world.organizer.contacts.items.size() == 2);
+        }
     }
 }
 
