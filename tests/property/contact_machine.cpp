@@ -4,12 +4,9 @@
 // may have happened.
 
 #include "formats/calendar_codec.h"
-#include "organizer/calendar_writing.h"
-#include "phone/phone_dialog_reading.h"
-#include "phone/phone_info.h"
+#include "property/calendar_model.h"
 #include "property/contact_user.h"
 #include "property/machine_episodes.h"
-#include "property/machine_model.h"
 
 using namespace tandolin;
 using namespace tandolin::testing;
@@ -17,16 +14,8 @@ using namespace tandolin::testing;
 namespace {
 
 struct ContactMachine : ContactUser {
-    People beforeStep;
-    int items = 0;
-
-    explicit ContactMachine(std::mt19937 engine) {
-        dice.engine = engine;
-        phone.maximumRecords[Text(FakePhone::kPhoneBook)] = dice.once(3) ? 6 + dice.upTo(8) : 500;
-        app.settings.SaveTyp = dice.one(std::array<std::int16_t, 2>{1, 2});
-        for (int i = dice.upTo(8); i > 0; --i) {
-            dice.once(2) ? addCard() : addContact();
-        }
+    explicit ContactMachine(std::mt19937 engine) : ContactUser(engine) {
+        fillSides();
         for (int i = dice.upTo(3); i > 0; --i) {
             const EntryLine entry(meeting());
             if (dice.once(2)) {
@@ -39,45 +28,18 @@ struct ContactMachine : ContactUser {
 
     // Other programs
 
-    std::string addCard() {
-        if (std::ssize(now().phone) >= room()) {
-            return "phone full";
-        }
-        int number = 1 + dice.upTo(20);
-        while (phone.files.contains(pathOf(number))) {
-            ++number;
-        }
-        return "phone gets " + putCard(number);
-    }
-
-    std::string putCard(int number) {
+    std::string putObject(int number) override {
         Card card = cut(randomCard());
-        card.categories = card.vip ? dice.one(std::array<Text, 2>{u"VIP", u"Freunde"}) : Text();
+        card.categories = card.vip ? dice.one<Text>({u"VIP", u"Freunde"}) : Text();
         phone.files[pathOf(number)] = objectOf(card);
         return std::to_string(number) + ' ' + card.line();
-    }
-
-    std::string changePhone() {
-        const People sides = now();
-        stale = true;
-        if (sides.phone.empty() || dice.once(2)) {
-            return addCard();
-        }
-        const int number =
-            std::next(sides.phone.begin(), dice.upTo(static_cast<int>(sides.phone.size()) - 1))
-                ->first;
-        if (dice.once(2)) {
-            phone.files.erase(pathOf(number));
-            return "phone loses " + std::to_string(number);
-        }
-        return "phone changes " + putCard(number);
     }
 
     /// A contact with more than a card tells: other categories, and the address that is not shown.
     void fill(ContactFacts& facts) {
         const Card card = randomCard();
         ContactFacts filled = itemOf(card);
-        filled.Categories = withVip(dice.one(std::array<Text, 2>{u"", u"Freunde"}), card.vip);
+        filled.Categories = withVip(dice.one<Text>({u"", u"Freunde"}), card.vip);
         (filled.CompanyName.empty() ? filled.Business : filled.Home) = {
             dice.once(2) ? u"Weg 2" : u"", u"", u"", u"", u""};
         filled.EntryID = facts.EntryID;
@@ -86,32 +48,24 @@ struct ContactMachine : ContactUser {
         facts = filled;
     }
 
-    std::string addContact() {
-        ContactFacts& facts = organizer.people.add(u"u" + decimal(++items), u"", u"");
+    std::string addItem() override {
+        ContactFacts& facts = organizer.contacts.add(u"u" + decimal(++items), u"", u"");
         fill(facts);
-        return "organizer gets u" + std::to_string(items) + ' ' + cardOf(facts).line();
+        return "organizer gets " + ContactKind::lineOf(facts);
     }
 
     std::string changeOrganizer() {
-        auto& people = organizer.people.items;
-        if (people.empty() || dice.once(2)) {
-            return addContact();
-        }
-        const auto one = std::next(people.begin(), dice.upTo(static_cast<int>(people.size()) - 1));
-        const std::string uid = toUtf8(one->first);
-        if (dice.once(2)) {
-            people.erase(one);
-            return "organizer loses " + uid;
-        }
-        fill(one->second);
-        return "organizer changes " + uid + ' ' + cardOf(one->second).line();
+        return changeOneOf(organizer.contacts.items, [&](ContactFacts& facts) {
+            fill(facts);
+            return cardOf(facts).line();
+        });
     }
 
     // The calendar beside
 
     std::string meeting() {
         return "0 M 2026-11-2" + std::to_string(2 + dice.upTo(3)) + " 09:00 " +
-               dice.one(std::array<std::string, 2>{"Kino", "Zahnarzt"});
+               dice.one({"Kino", "Zahnarzt"});
     }
 
     /// A new meeting waits for its own transfer.
@@ -137,73 +91,44 @@ struct ContactMachine : ContactUser {
         const std::size_t contacts = queue.recordCount();
         const std::size_t waiting = tables.RSCalendarSave.recordCount();
         const std::size_t meetings = organizer.items.size();
-        app.settings.ActiveAPP = 0;
-        app.core.GlobalSilentMode = kFalse;
-        stale = stale || app.log.LogErrorFlag;
-        const bool done = TransfertoMobile(queue, tables.RSCalendarSave);
+        const bool done = transferView(CalendarKind::view);
         say("transfer of " + std::to_string(waiting) + " meetings");
         require(done && tables.RSCalendarSave.isEmpty() &&
                     organizer.items.size() == meetings + waiting,
                 "the meetings were not sent");
         require(queue.recordCount() == contacts, "the contacts' queue was touched");
-        servedWishes({}, before, now());
+        Wishes().served(before, now());
         requireQueue();
     }
 
-    void transferWithFault() {
-        const Holdings before = holdings();
+    void transferBesideCalendar() {
+        const Holdings before = calendar();
         const std::size_t meetings = tables.RSCalendarSave.recordCount();
-        const std::string fault = plantFault(held());
-        say("transfer of " + std::to_string(queue.recordCount()) + fault);
-        transfer();
+        transferWithFault();
         requireSameCalendar(before, "by a transfer of contacts");
         require(tables.RSCalendarSave.recordCount() == meetings,
                 "the calendar's queue was touched");
-        heal();
+    }
+
+    [[nodiscard]] Holdings calendar() const {
+        return {objectsIn(FakePhone::kCalendar), organizer.items};
     }
 
     void requireSameCalendar(const Holdings& before, const std::string& when) const {
-        requireKept({.mode = 2}, before, holdings());
-        require(holdings().phone.size() == before.phone.size() &&
-                    organizer.items.size() == before.organizer.size(),
+        const Holdings after = calendar();
+        requireKept<CalendarKind>(before, after, 0);
+        require(after.organizer.size() == before.organizer.size(),
                 "the calendar was changed " + when);
     }
 
     // AutoSync
 
-    [[nodiscard]] int held() const {
-        return static_cast<int>(now().phone.size() + organizer.people.items.size());
-    }
-
-    void runAutoSync(bool both) {
-        app.core.GlobalSilentMode = kTrue;
-        app.run = {};
-        LogInit();
-        failuresBefore = app.log.LogTransferFehler;
-        PXDInfoAll(phoneServer(), app.phone.GlobalMobilePaths);
-        both ? SilendAutoSyncBoth() : SilentAutoSyncvCard();
-        stale = true;
-    }
-
-    /// AutoSync is a process of its own: it begins with empty tables.
-    void endSession() {
+    void sync() {
         askFirst();
         if (!tables.RSCalendarSave.isEmpty()) {
             sendMeetings();
         }
-        vCardReset(table);
-        vCalReset(tables.RSCalendar);
-        app.phone.vCardEntryCount = app.phone.vCalEntryCount = 0;
-        app.phone.MobileConnected = kFalse;
-        app.organizer.calendarFolder = nullptr;
-        app.phone.PXDServer.reset();
-        app.log.LogErrorFlag = kFalse;
-        phone.connect();
-        heal();
-    }
-
-    void sync() {
-        endSession();
+        beginProcess();
         const bool both = dice.once(2);
         const int mode = 1 + dice.upTo(3);
         app.settings.SyncTyp = static_cast<std::int16_t>(mode);
@@ -213,122 +138,55 @@ struct ContactMachine : ContactUser {
         say(std::string(both ? "AutoSync of both" : "AutoSync") + " mode " + std::to_string(mode) +
             fault);
         const People before = now();
-        const Holdings calendar = holdings();
-        runAutoSync(both);
+        const Holdings meetings = calendar();
+        const Run program = both ? SilendAutoSyncBoth : SilentAutoSyncvCard;
+        runAutoSync(program);
         const People after = now();
+        requireKept<ContactKind>(before, after, room());
         requireCopiesOnly(mode, before, after);
-        require(std::ssize(after.phone) <=
-                    std::max<std::ptrdiff_t>(std::ssize(before.phone), room()),
-                "more on the phone than it has room for");
         if (both) {
             const SyncPlan plan{.mode = app.settings.SyncTyp};
-            requireKept(plan, calendar, holdings());
-            requireNoMoreCopies(plan, calendar, holdings());
+            requireKept<CalendarKind>(meetings, calendar(), plan.room);
+            requireNoMoreCopies(plan, meetings, calendar());
         } else {
-            requireSameCalendar(calendar, "by an AutoSync of contacts");
+            requireSameCalendar(meetings, "by an AutoSync of contacts");
         }
-        require(!readFailed(calendar, before) ||
+        require(!readFailed(meetings, before) ||
                     (before.phone == after.phone && before.organizer == after.organizer),
                 "written after a failed read");
         requireEnded();
-        const bool failed = phoneFailed() || organizerFailed();
-        require(!failed || wasTold() || onlyUnheard() || organizer.answerWasLost,
-                "a fault without a word");
-        if (!failed && !user.meansIt) {
-            require(app.run.failures == 0, "a failure without a fault");
+        if (ranClean()) {
             requireAllCopied(mode, app.run.leftBehind == 0, after);
             require(app.run.leftBehind == 0 || std::ssize(after.phone) >= room(),
                     "left behind on a phone with room");
-            requireQuiet(both);
+            requireQuiet(program, [] { return false; });
         }
-        heal();
-    }
-
-    template <class Side>
-    static Text failedCall(const Side& side) {
-        return side.fault.call != 0 && side.calls.size() >= side.fault.call
-                   ? side.calls[side.fault.call - 1]
-                   : Text();
     }
 
     /// Did the faulty call read what a side holds? Then nobody knows it.
-    [[nodiscard]] bool readFailed(const Holdings& calendar, const People& before) const {
-        const Text item = failedCall(organizer);
+    [[nodiscard]] bool readFailed(const Holdings& meetings, const People& before) const {
+        const Text item = organizer.failedCall();
         return item == u"Find" || item == u"Sort" || item == u"Item" ||
                (item == u"GetContactItems" && organizer.callsOf(u"Sort") == 0) ||
-               objectsUnread(FakePhone::kCalendar, calendar.phone) ||
+               objectsUnread(FakePhone::kCalendar, meetings.phone) ||
                objectsUnread(FakePhone::kPhoneBook, before.phone);
     }
 
     /// A look behind a write, at what became of it, is no such read.
-    [[nodiscard]] bool objectsUnread(TextView directory,
+    [[nodiscard]] bool objectsUnread(TextView where,
                                      const std::map<int, std::string>& objects) const {
-        const Text call = failedCall(phone);
-        const Text read = u"PXDRead " + Text(directory);
+        const Text call = phone.failedCall();
+        const Text read = u"PXDRead " + Text(where);
         if (call.starts_with(read)) {
             const Text name = call.substr(read.size());
             return leadingNumber(u"0" + name) > 0 &&
                    objects.contains(static_cast<int>(leadingNumber(name))) &&
                    phone.callsOf(u"PXDWrite") == 0;
         }
-        return call.starts_with(u"PXDList " + Text(directory)) && !objects.empty();
-    }
-
-    void requireEnded() {
-        require(table.isEmpty() && tables.RSCalendar.isEmpty() && !app.sync.AutoSyncRunning &&
-                    app.phone.vCardEntryCount == 0 && app.organizer.vCardPIMCount == 0 &&
-                    !app.phone.vCardRead && !app.organizer.vCardPIMRead && queue.isEmpty(),
-                "AutoSync left its table or its flags behind");
-    }
-
-    void requireQuiet(bool both) {
-        if (!dice.once(3)) {
-            return;
-        }
-        for (int run = 2; run <= 3; ++run) {
-            heal();
-            runAutoSync(both);
-            if (writes() == 0) {
-                quiet += run == 2 ? 1 : 0;
-                restless += run == 3 ? 1 : 0;
-                return;
-            }
-            say("  run " + std::to_string(run) + " wrote");
-        }
-        throw Violation{"the third run still writes"};
+        return call.starts_with(u"PXDList " + Text(where)) && !objects.empty();
     }
 
     // The driver
-
-    void userAct() {
-        if (stale) {
-            askFirst();
-            heal();
-            require(readBoth(), "a read without a fault failed");
-        }
-        app.core.GlobalSilentMode = kFalse;
-        const std::string fault =
-            app.settings.SaveTyp == 1 ? plantFault(held()) : (heal(), listen(), std::string());
-        user.cancelAt = 0;
-        if (!fault.empty()) {
-            say(fault);
-        }
-        if (dice.once(4) || !pickRow()) {
-            add();
-        } else {
-            switch (dice.upTo(4)) {
-            case 0:
-                remove();
-                break;
-            case 1:
-                tick();
-                break;
-            default:
-                edit();
-            }
-        }
-        heal();
-    }
 
     void readWithFault() {
         askFirst();
@@ -339,59 +197,27 @@ struct ContactMachine : ContactUser {
     }
 
     void step() {
-        rememberRemoved(beforeStep, now());
-        beforeStep = now();
+        beginStep();
         switch (dice.upTo(12)) {
         case 0:
-            if (std::ranges::none_of(wishes, [](const auto& w) { return w.second.onPhone; })) {
-                say(changePhone());
-            }
-            break;
+            return changePhoneIfFree();
         case 1:
         case 2:
-            say(changeOrganizer());
-            break;
+            return say(changeOrganizer());
         case 3:
         case 4:
-            sync();
-            break;
+            return sync();
         case 5:
-            transferWithFault();
-            break;
+            return transferBesideCalendar();
         case 6:
-            if (queue.isEmpty() && tables.RSCalendarSave.isEmpty()) {
-                app.settings.SaveTyp = app.settings.SaveTyp == 1 ? 2 : 1;
-                say("SaveTyp " + std::to_string(app.settings.SaveTyp));
-            }
-            break;
+            return switchSaving();
         case 7:
-            readWithFault();
-            break;
+            return readWithFault();
         case 8:
-            dice.once(2) ? queueMeeting() : sendMeetings();
-            break;
+            return dice.once(2) ? queueMeeting() : sendMeetings();
         default:
             userAct();
         }
-    }
-
-    [[nodiscard]] std::string story() const {
-        std::string all;
-        for (const std::string& words : history) {
-            all += "\n  " + words;
-        }
-        return all + "\nbefore this step" + linesOf(beforeStep) + "\nnow" + linesOf(now());
-    }
-
-    static std::string linesOf(const People& sides) {
-        std::string all;
-        for (const auto& [number, bytes] : sides.phone) {
-            all += "\n  phone " + std::to_string(number) + ' ' + cardOf(bytes).line();
-        }
-        for (const auto& [uid, facts] : sides.organizer) {
-            all += "\n  organizer " + toUtf8(uid) + ' ' + cardOf(facts).line();
-        }
-        return all;
     }
 };
 

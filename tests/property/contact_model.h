@@ -4,9 +4,11 @@
 // order; whatever the order, what it copied must have had no partner left.
 
 #include "formats/contact_compares.h"
-#include "organizer/clear_organizer.h"
+#include "organizer/contact_reading.h"
+#include "organizer/contact_writing.h"
+#include "phone/contact_writing.h"
 #include "property/contact_world.h"
-#include "sync/status_arrays.h"
+#include "property/machine_queue.h"
 
 namespace tandolin::testing {
 
@@ -48,32 +50,33 @@ inline bool standsFor(const Card& phone, const Card& organizer) {
     return near || arePair(phone, organizer, true);
 }
 
+inline bool isStoodFor(const Card& organizer, const Card& phone) {
+    return standsFor(phone, organizer);
+}
+
+using Cards = std::vector<Card>;
+
 /// Each of `left` finds one of `right` of its own.
 template <class Fits>
-bool allFind(std::size_t left, std::size_t right, Fits fits) {
-    std::vector<std::optional<std::size_t>> owner(right);
-    for (std::size_t i = 0; i < left; ++i) {
-        std::vector<bool> tried(right);
-        const auto find = [&](auto&& self, std::size_t one) -> bool {
-            for (std::size_t r = 0; r < right; ++r) {
-                if (!tried[r] && fits(one, r)) {
+bool allFind(const Cards& left, const Cards& right, Fits fits) {
+    std::vector<const Card*> owner(right.size());
+    return std::ranges::all_of(left, [&](const Card& each) {
+        std::vector<bool> tried(right.size());
+        const auto find = [&](auto&& self, const Card& one) -> bool {
+            for (std::size_t r = 0; r < right.size(); ++r) {
+                if (!tried[r] && fits(one, right[r])) {
                     tried[r] = true;
-                    if (!owner[r] || self(self, *owner[r])) {
-                        owner[r] = one;
+                    if (owner[r] == nullptr || self(self, *owner[r])) {
+                        owner[r] = &one;
                         return true;
                     }
                 }
             }
             return false;
         };
-        if (!find(find, i)) {
-            return false;
-        }
-    }
-    return true;
+        return find(find, each);
+    });
 }
-
-using Cards = std::vector<Card>;
 
 inline Cards cardsOf(const std::map<int, std::string>& phone) {
     Cards cards;
@@ -111,27 +114,23 @@ std::optional<Card> takeOut(Cards& from, Fits fits) {
 }
 
 /// Whoever of the other side could have stood for one that was copied has another partner among
-/// the rest.
+/// the rest. `fits` takes one of either side in this order.
 template <class Fits>
-void requireNoPartnerLeft(const Cards& copied, const Cards& others, const Cards& rest, Fits fits,
-                          const char* where) {
+void requireNoPartnerLeft(const Cards& copied, const Cards& others, const Cards& rest, Fits fits) {
     Cards near;
-    for (const Card& other : others) {
-        if (std::ranges::any_of(copied, [&](const Card& one) { return fits(one, other); })) {
-            near.push_back(other);
-        }
-    }
+    std::ranges::copy_if(others, std::back_inserter(near), [&](const Card& other) {
+        return std::ranges::any_of(copied, [&](const Card& one) { return fits(one, other); });
+    });
     std::string all;
     for (const Card& card : copied) {
         all += "\n    " + card.line();
     }
-    require(allFind(near.size(), rest.size(),
-                    [&](std::size_t n, std::size_t r) { return fits(rest[r], near[n]); }),
-            std::string("doubled ") + where + all);
+    require(
+        allFind(near, rest, [&](const Card& one, const Card& other) { return fits(other, one); }),
+        "doubled" + all);
 }
 
-/// Nothing goes or changes; what is new is one of the other side's, where the mode says so, and
-/// stood for by nobody.
+/// What is new is one of the other side's, where the mode says so, and stood for by nobody.
 inline void requireCopiesOnly(int mode, const People& before, const People& after) {
     Cards contacts = cardsOf(before.organizer);
     Cards cards = cardsOf(before.phone);
@@ -139,16 +138,6 @@ inline void requireCopiesOnly(int mode, const People& before, const People& afte
     const Cards allCards = cards;
     Cards sent;
     Cards created;
-    for (const auto& [number, bytes] : before.phone) {
-        const auto now = after.phone.find(number);
-        require(now != after.phone.end() && now->second == bytes,
-                "AutoSync removed or changed the card " + cardOf(bytes).line());
-    }
-    for (const auto& [uid, facts] : before.organizer) {
-        const auto now = after.organizer.find(uid);
-        require(now != after.organizer.end() && now->second == facts,
-                "AutoSync removed or changed the contact " + cardOf(facts).line());
-    }
     for (const auto& [number, bytes] : after.phone) {
         if (!before.phone.contains(number)) {
             const Card now = cardOf(bytes);
@@ -166,29 +155,18 @@ inline void requireCopiesOnly(int mode, const People& before, const People& afte
             created.push_back(*of);
         }
     }
-    const auto forContact = [](const Card& contact, const Card& card) {
-        return standsFor(card, contact);
-    };
-    requireNoPartnerLeft(sent, allCards, contacts, forContact, "on the phone");
-    requireNoPartnerLeft(created, allContacts, cards, standsFor, "in the organizer");
+    requireNoPartnerLeft(sent, allCards, contacts, isStoodFor);
+    requireNoPartnerLeft(created, allContacts, cards, standsFor);
 }
 
 /// Behind a clean run with room everyone has a partner, where the mode copies that way.
 inline void requireAllCopied(int mode, bool room, const People& after) {
     const Cards contacts = cardsOf(after.organizer);
-    Cards cards = cardsOf(after.phone);
-    require(
-        mode == 3 || !room ||
-            allFind(contacts.size(), cards.size(),
-                    [&](std::size_t c, std::size_t p) { return standsFor(cards[p], contacts[c]); }),
-        "a contact was not sent");
+    const Cards cards = cardsOf(after.phone);
+    require(mode == 3 || !room || allFind(contacts, cards, isStoodFor), "a contact was not sent");
     Cards named;
     std::ranges::copy_if(cards, std::back_inserter(named), &Card::hasName);
-    require(mode < 3 || allFind(named.size(), contacts.size(),
-                                [&](std::size_t p, std::size_t c) {
-                                    return standsFor(named[p], contacts[c]);
-                                }),
-            "a card was not created");
+    require(mode < 3 || allFind(named, contacts, standsFor), "a card was not created");
 }
 
 struct ContactWish : WishOfSide {
@@ -248,30 +226,34 @@ struct ContactKind {
     using Wish = ContactWish;
     static constexpr auto tag = con::ChangeString;
     static constexpr std::int16_t view = 1;
+    static constexpr TextView directory = FakePhone::kPhoneBook;
+    static constexpr int fewest = 6;
+    static constexpr int more = 8;
+    static constexpr auto& table = tables.RSContacts;
+    static constexpr auto& queue = tables.RSContactsSave;
+    static constexpr auto& onPhone = app.phone.vCardEntryCount;
+    static constexpr auto& inOrganizer = app.organizer.vCardPIMCount;
+    static constexpr auto readPhone = vCardReadMobile;
+    static constexpr bool (*readOrganizer)(Table<Contact>&, bool) = vCardReadOutlook;
+    static constexpr auto write = vCardWriteOutookEntry;
+    static constexpr auto clearPhone = vCardClearAfterMobileError;
+    static constexpr void (*leaveOrganizer)(Table<Contact>&) = tandolin::leaveOrganizer;
 
-    static Table<Contact>& table() { return tables.RSContacts; }
+    static const auto& items(const FakeOrganizer& organizer) { return organizer.contacts.items; }
 
-    static Table<Contact>& queue() { return tables.RSContactsSave; }
-
-    static int onPhone() { return app.phone.vCardEntryCount; }
-
-    static int inOrganizer() { return app.organizer.vCardPIMCount; }
+    static bool send(Table<Contact>& row) { return SendSinglevCardEntry(row, true); }
 
     static bool same(const Facts& a, const Facts& b) { return a == b; }
 
-    static std::string lineOf(const Facts& facts) { return cardOf(facts).line(); }
-
-    static std::string wordsOf(const Table<Contact>& row) {
-        return toUtf8(row[con::MobileID]) + ' ' + toUtf8(row[con::UID]) + ' ' +
-               cardOfRow(row, true).line();
+    static std::string lineOf(const Facts& facts) {
+        return toUtf8(facts.EntryID) + ' ' + cardOf(facts).line();
     }
+
+    static std::string lineOf(const std::string& object) { return ' ' + cardOf(object).line(); }
+
+    static std::string textOf(const Table<Contact>& row) { return cardOfRow(row, true).line(); }
 
     static bool forgetsNew(bool /*onPhone*/) { return true; }
-
-    static void clearBothSides(Table<Contact>& table) {
-        vCardClearAfterMobileError(false);
-        ClearOutlookFromGrid(table, false);
-    }
 };
 
 } // namespace tandolin::testing

@@ -1,26 +1,14 @@
 #pragma once
 
-// The user of the contacts: edits, adds, ticks, unticks and removes rows as grid and editor do.
+// The user of the contacts: edits, adds and ticks rows as grid and editor do.
 
-#include "organizer/contact_reading.h"
-#include "organizer/contact_writing.h"
-#include "organizer/removal.h"
-#include "phone/contact_writing.h"
 #include "property/contact_model.h"
 
 namespace tandolin::testing {
 
 struct ContactUser : QueuedUser<ContactKind> {
-    ContactUser() { app.organizer.GlobalContactFolder = organizer.GetDefaultContactFolder(); }
-
-    static Text pathOf(int number) {
-        return Text(FakePhone::kPhoneBook) + decimal(number) + u".vcf";
-    }
-
-    [[nodiscard]] int room() const { return phone.maximumRecords.at(Text(FakePhone::kPhoneBook)); }
-
-    [[nodiscard]] People now() const override {
-        return {objectsIn(FakePhone::kPhoneBook), organizer.people.items};
+    explicit ContactUser(std::mt19937 engine) : QueuedUser(engine) {
+        app.organizer.GlobalContactFolder = organizer.GetDefaultContactFolder();
     }
 
     // Contacts made up at random, few enough to meet each other
@@ -63,61 +51,41 @@ struct ContactUser : QueuedUser<ContactKind> {
 
     // Reading
 
+    bool phoneComesFirst() override { return dice.once(2); }
+
     /// Each card and each contact with a name has one row, and rows of both sides are pairs.
-    void requireRows() {
-        const People sides = now();
-        require(std::cmp_equal(app.phone.vCardEntryCount, sides.phone.size()) &&
-                    std::cmp_equal(app.organizer.vCardPIMCount, cardsOf(sides.organizer).size()),
-                "the reads count other contacts than there are");
-        requireCounts();
+    void requireRows(const People& sides) override {
+        require(std::cmp_equal(app.organizer.vCardPIMCount, cardsOf(sides.organizer).size()),
+                "the read counts other contacts than the organizer has");
         std::set<Text> seen;
         for (table.MoveFirst(); !table.atEnd(); table.MoveNext()) {
             const Text object(table[con::MobileID]);
             const Text uid(table[con::UID]);
+            const Card shown = cardOfRow(table, true);
+            const Card kept = cardOfRow(table, false);
             const bool onPhone = table[con::Mobile];
             const bool inOrganizer = table[con::PIM];
             require((!onPhone || seen.insert(object).second) &&
                         (!inOrganizer || seen.insert(uid).second),
-                    "two rows show one contact: " + cardOfRow(table, true).line());
+                    "two rows show one contact: " + shown.line());
             const int number = static_cast<int>(leadingNumber(u"0" + object));
             const Card there = onPhone ? asRead(cardOf(sides.phone.at(number))) : Card();
-            require(!onPhone || cut(cardOfRow(table, true)) == there,
-                    "the phone says " + there.line() + ", its row " +
-                        cardOfRow(table, true).line());
+            require(!onPhone || cut(shown) == there,
+                    "the phone says " + there.line() + ", its row " + shown.line());
             if (inOrganizer) {
                 const Card item = cardOf(sides.organizer.at(uid));
-                require(cardOfRow(table, false).texts == item.texts,
-                        "the organizer says " + item.line() + ", its row " +
-                            cardOfRow(table, false).line());
+                require(kept.texts == item.texts,
+                        "the organizer says " + item.line() + ", its row " + kept.line());
                 require(!onPhone || arePair(there, item, false), "no pair: " + item.line());
             }
         }
-        stale = false;
-    }
-
-    /// Reads both sides, one first.
-    bool readBoth() {
-        app.core.GlobalSilentMode = kFalse;
-        const People before = now();
-        const auto readPhone = [] { return vCardReadMobile(false); };
-        const auto readOrganizer = [&] { return vCardReadOutlook(table, false); };
-        const bool read =
-            dice.once(2) ? readPhone() && readOrganizer() : readOrganizer() && readPhone();
-        servedWishes({}, before, now());
-        require(read || wasTold() || user.meansIt, "a read failed without a word");
-        stale = true;
-        if (read && !user.meansIt) {
-            requireRows();
-        }
-        return read;
     }
 
     // Acts
 
-    [[nodiscard]] ContactWish wishFor(bool onPhone, bool creation = false) {
+    ContactWish wishFor(bool onPhone) override {
         ContactWish wish;
         wish.onPhone = onPhone;
-        wish.creation = creation;
         wish.number = static_cast<int>(leadingNumber(u"0" + Text(table[con::MobileID])));
         wish.uid = table[con::UID];
         wish.told = cut(cardOfRow(table, true));
@@ -133,16 +101,10 @@ struct ContactUser : QueuedUser<ContactKind> {
         return wish;
     }
 
-    [[nodiscard]] ContactWish removalFrom(bool onPhone) {
+    ContactWish newFor(bool onPhone) {
         ContactWish wish = wishFor(onPhone);
-        wish.removal = true;
+        wish.creation = true;
         return wish;
-    }
-
-    [[nodiscard]] std::string rowWords() const {
-        return " (" + toUtf8(table[con::MobileID]) + ", " + toUtf8(table[con::UID]) + ", sides " +
-               std::to_string(table[con::PIM] + 2 * table[con::Mobile]) + ") " +
-               cardOfRow(table, true).line();
     }
 
     void setText(std::size_t place, const Text& text) {
@@ -157,44 +119,24 @@ struct ContactUser : QueuedUser<ContactKind> {
         }
     }
 
-    bool send(Wishes& asked, bool isNew) {
-        asked[{tagOfRow(), true}] = wishFor(true, isNew);
-        const bool done = SendSinglevCardEntry(table, true);
-        app.phone.vCardEntryCount =
-            static_cast<std::int16_t>(app.phone.vCardEntryCount + (done && isNew));
-        return done;
-    }
-
-    bool write(Wishes& asked, bool isNew) {
-        asked[{tagOfRow(), false}] = wishFor(false, isNew);
-        return vCardWriteOutookEntry(table, isNew);
-    }
-
-    void edit() {
-        constexpr std::array<std::size_t, 6> kEdited{kLast, kFirst, kCompany, kHome, kUrl, kCity};
+    void edit() override {
         const People before = now();
-        const int tag = tagOfRow();
+        tagOfRow();
         table.beginEdit();
         if (dice.once(6)) {
             setVip(!table[con::Categories]);
         } else {
-            const std::size_t place = dice.one(kEdited);
+            const std::size_t place = dice.one({kLast, kFirst, kCompany, kHome, kUrl, kCity});
             setText(place, textFor(place));
         }
         table.set(con::IsChanged, true);
-        say("user edits row " + std::to_string(tag) + " to" + rowWords());
-        Wishes asked;
-        const bool done = (!table[con::Mobile] || send(asked, false)) &&
-                          (!table[con::PIM] || write(asked, false));
-        if (done && app.settings.SaveTyp == 1) {
-            endLastWrite(table);
-        }
-        settle(before, done, asked);
+        sayRow("edits");
+        writeRow(before, wishFor(true), wishFor(false));
     }
 
     [[nodiscard]] bool phoneHasRoom() const { return app.phone.vCardEntryCount < room(); }
 
-    void add() {
+    void add() override {
         const People before = now();
         const int sides = phoneHasRoom() ? 1 + dice.upTo(2) : 1;
         const Card card = randomCard();
@@ -206,69 +148,19 @@ struct ContactUser : QueuedUser<ContactKind> {
         table.set(con::PIM, (sides & 1) != 0);
         table.set(con::Mobile, (sides & 2) != 0);
         table.set(con::EntryType, sides);
-        say("user adds row " + std::to_string(tagOfRow()) + rowWords());
-        Wishes asked;
-        const bool done =
-            (!table[con::Mobile] || send(asked, true)) && (!table[con::PIM] || write(asked, true));
-        if (!done) {
-            table.Delete(); // the input stays in the editor
-            table.MoveFirst();
-        }
-        settle(before, done, asked);
+        sayRow("adds");
+        writeRow(before, newFor(true), newFor(false));
     }
 
-    void tick() {
-        if ((table[con::PIM] && table[con::Mobile]) || (table[con::PIM] && !phoneHasRoom())) {
+    void tick() override {
+        const bool toPhone = table[con::PIM];
+        if ((toPhone && table[con::Mobile]) || (toPhone && !phoneHasRoom())) {
             return;
         }
         const People before = now();
-        say("user ticks row " + std::to_string(tagOfRow()) + rowWords());
-        const bool toPhone = table[con::PIM];
-        table.set(con::PIM, true);
-        table.set(con::Mobile, true);
-        table.set(con::EntryType, CONST_ENTRY_vCAL_BOTH);
-        Wishes asked;
-        const bool done = toPhone ? send(asked, true) : write(asked, true);
-        settle(before, done, asked);
-    }
-
-    void remove() {
-        const People before = now();
-        const int tag = tagOfRow();
-        const int sides = 1 + dice.upTo(2);
-        const bool fromPhone = table[con::Mobile] && (!table[con::PIM] || (sides & 2) != 0);
-        const bool fromOrganizer = table[con::PIM] && (!table[con::Mobile] || (sides & 1) != 0);
-        say("user removes row " + std::to_string(tag) + rowWords() + (fromPhone ? " phone" : "") +
-            (fromOrganizer ? " organizer" : ""));
-        Wishes asked;
-        bool done = true;
-        if (fromPhone) {
-            asked[{tag, true}] = removalFrom(true);
-            table.set(con::Mobile, false);
-            done = RemoveEntryFromMobile(app.phone.MobileConnected, app.phone.GlobalMobilePaths,
-                                         table);
-        }
-        if (done && fromOrganizer) {
-            asked[{tag, false}] = removalFrom(false);
-            table.set(con::PIM, false);
-            done = RemoveEntryFromOutlook(table);
-        }
-        if (done) {
-            leaveSides();
-        }
-        settle(before, done, asked);
-    }
-
-    /// What the row became: one side's, or nobody's.
-    void leaveSides() {
-        if (!table[con::Mobile] && !table[con::PIM]) {
-            table.Delete();
-            table.MoveFirst();
-        } else if (table[con::PIM]) {
-            leavePhone(table);
-        } else {
-            leaveOrganizer(table);
-        }
+        sayRow("ticks");
+        tickBoth();
+        makeOn(toPhone, before, newFor(toPhone));
     }
 };
 

@@ -2,7 +2,7 @@
 
 // What a contact says on either side, told apart from the program's own reader and writer.
 
-#include "property/machine_queue.h"
+#include "property/machine_wishes.h"
 
 namespace tandolin::testing {
 

@@ -1,58 +1,44 @@
 #pragma once
 
-// A user whose changes go out at once or wait in a queue, of either kind of entries. What was asked
-// for and has not happened yet are wishes; every difference between two moments must be one.
-//
-// A kind says: Layout, Facts (an item of the organizer), Wish, `tag` (a text field of the row that
-// the program leaves alone), the counts of both sides, how an item is told and compared, and what
-// the window does with the table behind a failed write.
+// A user whose changes go out at once or wait in a queue, of either kind of entries: what grid and
+// editor do with a row, and what must hold behind it.
 
-#include "property/machine_world.h"
+#include "organizer/clear_organizer.h"
+#include "organizer/removal.h"
+#include "property/machine_wishes.h"
 #include "store/common_fields.h"
 #include "sync/queue.h"
 #include "sync/transfer.h"
 
 namespace tandolin::testing {
 
-/// One thing that the user asked for, on one side.
-struct WishOfSide {
-    bool onPhone = false;
-    bool removal = false;
-    bool creation = false;
-    int number = 0; ///< the object; a new one may get another number, 0 while nobody knows it
-    Text uid;       ///< the item, empty for a new one
-    bool answerLost = false; ///< it may have been done without the program knowing
-    bool made = false;       ///< the new entry is there, and its answer was lost
-
-    [[nodiscard]] std::string line() const {
-        return std::string(onPhone ? "phone " : "organizer ") +
-               (removal    ? "remove "
-                : creation ? "create "
-                           : "write ") +
-               (onPhone ? std::to_string(number) : toUtf8(uid)) + ' ';
-    }
-};
-
-/// By the tag of the row and the side.
-using WishKey = std::pair<int, bool>;
-
 template <class Kind>
 struct QueuedUser : MachineWorld {
     using Wish = typename Kind::Wish;
-    using Wishes = std::map<WishKey, Wish>;
+    using Wishes = testing::Wishes<Kind>;
     using Now = Sides<typename Kind::Facts>;
     using F = Common<typename Kind::Layout>;
 
-    Table<typename Kind::Layout>& table = Kind::table();
-    Table<typename Kind::Layout>& queue = Kind::queue();
-    Wishes wishes;     ///< what waits in the queue
-    bool stale = true; ///< the table does not show what is there
+    Table<typename Kind::Layout>& table = Kind::table;
+    Table<typename Kind::Layout>& queue = Kind::queue;
+    Wishes wishes; ///< what waits in the queue
     int nextTag = 1;
+    Now beforeStep;
     std::set<std::string> removedObjects; ///< what left the phone so far
 
-    [[nodiscard]] virtual Now now() const = 0;
+    explicit QueuedUser(std::mt19937 engine)
+        : MachineWorld(engine, Kind::directory, Kind::fewest, Kind::more) {}
+
+    [[nodiscard]] Now now() const { return {objectsIn(directory), Kind::items(organizer)}; }
+
+    [[nodiscard]] int held() const {
+        return static_cast<int>(objectsIn(directory).size() + Kind::items(organizer).size());
+    }
 
     // Rows
+
+    /// What the current row would be written as; a new one is not told from others yet.
+    virtual Wish wishFor(bool onPhone) = 0;
 
     int tagOfRow() {
         if (table[Kind::tag].empty()) {
@@ -62,135 +48,70 @@ struct QueuedUser : MachineWorld {
     }
 
     bool pickRow() {
-        table.setAbsolutePosition(1 + static_cast<std::size_t>(dice.upTo(
-                                          std::max(0, static_cast<int>(table.recordCount()) - 1))));
-        return !table.atEnd() && table.recordCount() > 0;
+        const int rows = static_cast<int>(table.recordCount());
+        table.setAbsolutePosition(1 + static_cast<std::size_t>(dice.upTo(std::max(0, rows - 1))));
+        return !table.atEnd() && rows > 0;
+    }
+
+    static std::string wordsOf(const Table<typename Kind::Layout>& row) {
+        return " (" + toUtf8(row[F::EntryID]) + ", " + toUtf8(row[F::UID]) + ", sides " +
+               std::to_string(row[F::PIM] + 2 * row[F::Mobile]) + ") " + Kind::textOf(row);
+    }
+
+    void sayRow(const std::string& act, const std::string& more = {}) {
+        say("user " + act + " row " + std::to_string(tagOfRow()) + wordsOf(table) + more);
     }
 
     void requireCounts() {
-        require(std::cmp_equal(Kind::onPhone(), table.countTrue(F::Mobile)),
-                "counted on the phone " + std::to_string(Kind::onPhone()) + ", rows " +
-                    std::to_string(table.countTrue(F::Mobile)));
-        require(std::cmp_equal(Kind::inOrganizer(), table.countTrue(F::PIM)),
-                "counted in the organizer " + std::to_string(Kind::inOrganizer()) + ", rows " +
-                    std::to_string(table.countTrue(F::PIM)));
+        const std::size_t onPhone = table.countTrue(F::Mobile);
+        const std::size_t inOrganizer = table.countTrue(F::PIM);
+        require(std::cmp_equal(Kind::onPhone, onPhone) &&
+                    std::cmp_equal(Kind::inOrganizer, inOrganizer),
+                "counted " + std::to_string(Kind::onPhone) + " on the phone and " +
+                    std::to_string(Kind::inOrganizer) + " in the organizer, of " +
+                    std::to_string(onPhone) + " and " + std::to_string(inOrganizer));
+    }
+
+    // Reading
+
+    virtual bool phoneComesFirst() { return true; }
+
+    virtual void requireRows(const Now& /*sides*/) {}
+
+    /// Reads both sides.
+    void readBoth() {
+        app.core.GlobalSilentMode = kFalse;
+        const Now before = now();
+        const auto readOrganizer = [&] { return Kind::readOrganizer(table, false); };
+        const bool read = phoneComesFirst() ? Kind::readPhone(false) && readOrganizer()
+                                            : readOrganizer() && Kind::readPhone(false);
+        Wishes().served(before, now());
+        require(read || wasTold() || user.meansIt, "a read failed without a word");
+        stale = !read || user.meansIt;
+        if (!stale) {
+            require(std::cmp_equal(Kind::onPhone, before.phone.size()),
+                    "the read counts other entries than the phone has");
+            requireCounts();
+            requireRows(before);
+        }
     }
 
     // Wishes
 
-    static bool holds(const Wish& wish, const Now& now) {
-        const auto anyOf = [](const auto& side, auto fits) {
-            return std::ranges::any_of(side, [&](const auto& one) { return fits(one.second); });
-        };
-        if (wish.onPhone && wish.creation && wish.number == 0) {
-            return anyOf(now.phone, [&](const auto& bytes) { return wish.isNewObject(bytes); });
-        }
-        if (wish.onPhone) {
-            const auto object = now.phone.find(wish.number);
-            return object == now.phone.end() ? wish.removal
-                                             : !wish.removal && wish.isNewObject(object->second);
-        }
-        if (wish.creation) {
-            return anyOf(now.organizer, [&](const auto& item) { return wish.isNewItem(item); });
-        }
-        const auto item = now.organizer.find(wish.uid);
-        return item == now.organizer.end()
-                   ? wish.removal
-                   : !wish.removal && Kind::same(wish.changed(item->second), item->second);
-    }
-
-    /// Every difference between two moments was asked for, each wish served once. Gives those
-    /// served.
-    static std::set<WishKey> servedWishes(const Wishes& wishes, const Now& before,
-                                          const Now& after) {
-        std::set<WishKey> served;
-        const auto serve = [&](const std::string& what, auto fits) {
-            const auto wish = std::ranges::find_if(
-                wishes, [&](const auto& w) { return !served.contains(w.first) && fits(w.second); });
-            if (wish == wishes.end()) {
-                throw Violation{"nobody asked for this: " + what + wishLines(wishes)};
-            }
-            served.insert(wish->first);
-        };
-        const auto goes = [&](int number) -> std::optional<WishKey> {
-            const auto wish = std::ranges::find_if(wishes, [&](const auto& w) {
-                return w.second.onPhone && w.second.removal && w.second.number == number;
-            });
-            return wish == wishes.end() ? std::nullopt : std::optional(wish->first);
-        };
-        for (const auto& [number, bytes] : after.phone) {
-            const auto old = before.phone.find(number);
-            if (old == before.phone.end() || old->second != bytes) {
-                serve("object " + std::to_string(number) + " says\n" + bytes, [&](const Wish& w) {
-                    return w.onPhone && !w.removal && w.isNewObject(bytes) &&
-                           (w.number == number || (w.creation && old == before.phone.end()) ||
-                            (w.creation && w.number == 0 && goes(number)));
-                });
-                if (const auto removal = goes(number)) {
-                    served.insert(*removal); // the phone gave the number to another
-                }
-            }
-        }
-        for (const auto& [number, bytes] : before.phone) {
-            if (!after.phone.contains(number)) {
-                serve("object " + std::to_string(number) + " is gone", [&](const Wish& w) {
-                    // A link that died between removing and writing costs the object.
-                    return w.onPhone && w.number == number && (w.removal || w.answerLost);
-                });
-            }
-        }
-        for (const auto& [uid, item] : after.organizer) {
-            const auto old = before.organizer.find(uid);
-            if (old == before.organizer.end()) {
-                serve("new item " + Kind::lineOf(item),
-                      [&](const Wish& w) { return !w.onPhone && w.creation && w.isNewItem(item); });
-            } else if (!Kind::same(old->second, item)) {
-                serve("item " + Kind::lineOf(old->second) + " became " + Kind::lineOf(item),
-                      [&](const Wish& w) {
-                          return !w.onPhone && !w.removal && !w.creation && w.uid == uid &&
-                                 Kind::same(w.changed(old->second), item);
-                      });
-            }
-        }
-        for (const auto& [uid, item] : before.organizer) {
-            if (!after.organizer.contains(uid)) {
-                serve("item " + Kind::lineOf(item) + " is gone",
-                      [&](const Wish& w) { return !w.onPhone && w.removal && w.uid == uid; });
-            }
-        }
-        return served;
-    }
-
-    static std::string wishLines(const Wishes& wishes) {
-        std::string all;
-        for (const auto& [key, wish] : wishes) {
-            all += "\n    wish: " + wish.line();
-        }
-        return all;
-    }
-
-    /// Joins what was asked before; a removal takes the place of all writes.
-    void remember(const Wishes& asked) {
-        for (const auto& [key, wish] : asked) {
-            const auto old = wishes.find(key);
-            if (wish.removal) {
-                rememberRemoval(key, wish);
-            } else if (old == wishes.end()) {
-                wishes.emplace(key, wish);
-            } else {
-                old->second.join(wish);
-            }
+    /// Joins what was asked before.
+    void remember(const WishKey& key, const Wish& wish) {
+        if (wish.removal) {
+            rememberRemoval(key, wish);
+        } else if (const auto [old, isNew] = wishes.emplace(key, wish); !isNew) {
+            old->second.join(wish);
         }
     }
 
-    /// It gets a tag of its own: the row that is left may be written to that side again.
+    /// It takes the place of all writes, with a tag of its own: the row that is left may be written
+    /// to that side again.
     void rememberRemoval(const WishKey& key, const Wish& wish) {
-        const auto old = wishes.find(key);
-        const bool neverCreated =
-            old != wishes.end() && old->second.creation && Kind::forgetsNew(wish.onPhone);
-        if (old != wishes.end()) {
-            wishes.erase(old);
-        }
+        const auto old = wishes.extract(key);
+        const bool neverCreated = old && old.mapped().creation && Kind::forgetsNew(wish.onPhone);
         if (!neverCreated && isQueued(key)) {
             queue.set(Kind::tag, decimal(nextTag));
             wishes.emplace(WishKey(nextTag++, key.second), wish);
@@ -201,19 +122,21 @@ struct QueuedUser : MachineWorld {
     void settle(const Now& before, bool done, Wishes asked) {
         const Now after = holdingsBehind(before, asked);
         if (app.settings.SaveTyp != 1) {
-            servedWishes({}, before, after);
+            Wishes().served(before, after);
             require(done, "an act was not queued");
-            remember(asked);
+            for (const auto& [key, wish] : asked) {
+                remember(key, wish);
+            }
             requireQueue();
             requireCounts();
             return;
         }
         for (auto& [key, wish] : asked) {
-            wish.answerLost = phoneFailed();
+            wish.answerLost = phone.hasFailed();
         }
-        const auto served = servedWishes(asked, before, after);
+        const auto served = asked.served(before, after);
         for (const auto& [key, wish] : asked) {
-            require(!done || served.contains(key) || holds(wish, after),
+            require(!done || served.contains(key) || Wishes::holds(wish, after),
                     "not done: " + wish.line());
         }
         require(done || wasTold(), "an act failed without a word");
@@ -221,7 +144,9 @@ struct QueuedUser : MachineWorld {
             requireCounts();
             return;
         }
-        Kind::clearBothSides(table); // they are read again
+        // As the window does behind a failed write; they are read again.
+        Kind::clearPhone(false);
+        ClearOutlookFromGrid(table, false);
         stale = true;
     }
 
@@ -230,32 +155,135 @@ struct QueuedUser : MachineWorld {
     [[nodiscard]] Now holdingsBehind(const Now& before, const Wishes& asked) const {
         Now sides = now();
         std::erase_if(sides.phone, [&](const auto& object) {
-            return phoneFailed() && !before.phone.contains(object.first) &&
-                   removedObjects.contains(object.second) &&
-                   std::ranges::none_of(asked, [&](const auto& wish) {
-                       return wish.second.onPhone && wish.second.isNewObject(object.second);
+            return phone.hasFailed() && !before.phone.contains(object.first) &&
+                   removedObjects.contains(object.second) && !asked.anyOf([&](const Wish& wish) {
+                       return wish.onPhone && wish.isNewObject(object.second);
                    });
         });
         return sides;
     }
 
-    /// What left the phone between two moments may be brought back later.
-    void rememberRemoved(const Now& before, const Now& after) {
-        for (const auto& [number, bytes] : before.phone) {
-            if (!after.phone.contains(number)) {
+    /// What left the phone in the last step may be brought back later.
+    void beginStep() {
+        const Now sides = now();
+        for (const auto& [number, bytes] : beforeStep.phone) {
+            if (!sides.phone.contains(number)) {
                 removedObjects.insert(bytes);
             }
         }
+        beforeStep = sides;
     }
 
-    /// The phone can give the number of what was removed to a new one that says the same.
-    static bool isReplaced(const Wish& removal, const Wishes& asked, const Now& after) {
-        const auto object = after.phone.find(removal.number);
-        return removal.onPhone && removal.removal && object != after.phone.end() &&
-               std::ranges::any_of(asked, [&](const auto& wish) {
-                   return wish.second.onPhone && wish.second.creation && wish.second.number == 0 &&
-                          wish.second.isNewObject(object->second);
-               });
+    // Acts
+
+    bool send(Wishes& asked, Wish wish) {
+        asked[{tagOfRow(), true}] = wish;
+        const bool done = Kind::send(table);
+        Kind::onPhone = static_cast<std::int16_t>(Kind::onPhone + (done && wish.creation));
+        return done;
+    }
+
+    bool write(Wishes& asked, const Wish& wish) {
+        asked[{tagOfRow(), false}] = wish;
+        return Kind::write(table, wish.creation);
+    }
+
+    /// The end of the editor: the row goes to each side that it is on.
+    void writeRow(const Now& before, const Wish& object, const Wish& item) {
+        Wishes asked;
+        const bool done =
+            (!table[F::Mobile] || send(asked, object)) && (!table[F::PIM] || write(asked, item));
+        const bool isNew = item.creation;
+        if (done && !isNew && app.settings.SaveTyp == 1) {
+            endLastWrite(table);
+        } else if (!done && isNew) {
+            table.Delete(); // the input stays in the editor
+            table.MoveFirst();
+        }
+        settle(before, done, asked);
+    }
+
+    /// The user ticks the side that the entry is not on.
+    void makeOn(bool onPhone, const Now& before, const Wish& wish) {
+        Wishes asked;
+        const bool done = onPhone ? send(asked, wish) : write(asked, wish);
+        settle(before, done, asked);
+    }
+
+    void tickBoth() {
+        table.set(F::PIM, true);
+        table.set(F::Mobile, true);
+        table.set(F::EntryType, CONST_ENTRY_vCAL_BOTH);
+    }
+
+    void remove() {
+        const Now before = now();
+        const int tag = tagOfRow();
+        const int sides = 1 + dice.upTo(2);
+        const bool fromPhone = table[F::Mobile] && (!table[F::PIM] || (sides & 2) != 0);
+        const bool fromOrganizer = table[F::PIM] && (!table[F::Mobile] || (sides & 1) != 0);
+        sayRow("removes",
+               std::string(fromPhone ? " phone" : "") + (fromOrganizer ? " organizer" : ""));
+        Wishes asked;
+        bool done = true;
+        if (fromPhone) {
+            (asked[{tag, true}] = wishFor(true)).removal = true;
+            table.set(F::Mobile, false);
+            done = RemoveEntryFromMobile(app.phone.MobileConnected, app.phone.GlobalMobilePaths,
+                                         table);
+        }
+        if (done && fromOrganizer) {
+            (asked[{tag, false}] = wishFor(false)).removal = true;
+            table.set(F::PIM, false);
+            done = RemoveEntryFromOutlook(table);
+        }
+        if (done) {
+            leaveSides();
+        }
+        settle(before, done, asked);
+    }
+
+    /// What the row became: one side's, or nobody's.
+    void leaveSides() {
+        if (!table[F::Mobile] && !table[F::PIM]) {
+            table.Delete();
+            table.MoveFirst();
+        } else if (table[F::PIM]) {
+            leavePhone(table);
+        } else {
+            Kind::leaveOrganizer(table);
+        }
+    }
+
+    virtual void edit() = 0;
+    virtual void add() = 0;
+    virtual void tick() = 0;
+
+    void userAct() {
+        if (stale) {
+            askFirst();
+            heal();
+            readBoth();
+        }
+        require(!stale, "a read without a fault failed");
+        app.core.GlobalSilentMode = kFalse;
+        if (app.settings.SaveTyp == 1) {
+            if (const std::string fault = plantFault(held()); !fault.empty()) {
+                say(fault);
+            }
+        } else {
+            heal();
+            listen();
+        }
+        user.cancelAt = 0;
+        if (dice.once(4) || !pickRow()) {
+            add();
+        } else {
+            constexpr std::array kActs{&QueuedUser::remove, &QueuedUser::tick, &QueuedUser::edit,
+                                       &QueuedUser::edit, &QueuedUser::edit};
+            (this->*dice.one(kActs))();
+        }
+        heal();
     }
 
     // The queue
@@ -275,9 +303,9 @@ struct QueuedUser : MachineWorld {
         std::string all;
         for (queue.MoveFirst(); !queue.atEnd(); queue.MoveNext()) {
             all += "\n    queued: tag " + toUtf8(queue[Kind::tag]) +
-                   (queue[F::TransferNew] == kToPhone ? " phone " : " organizer ") +
-                   (queue[F::TransferMode] == kTransferRemove ? "remove " : "write ") +
-                   Kind::wordsOf(queue);
+                   (queue[F::TransferNew] == kToPhone ? " phone" : " organizer") +
+                   (queue[F::TransferMode] == kTransferRemove ? " remove" : " write") +
+                   wordsOf(queue);
         }
         return all;
     }
@@ -288,43 +316,58 @@ struct QueuedUser : MachineWorld {
             waiting += queue[F::TransferMode] == kTransferDone ? 0 : 1;
         }
         require(waiting == wishes.size(),
-                "other changes wait than were asked for" + wishLines(wishes) + queueLines());
-        const bool waits = !tables.RSCalendarSave.isEmpty() || !tables.RSContactsSave.isEmpty();
-        require(user.shownTools[u"TDLTools/TDLSave"] == waits,
+                "other changes wait than were asked for" + wishes.lines() + queueLines());
+        require(user.shownTools[u"TDLTools/TDLSave"] == anythingWaits(),
                 "the tool that sends the changes is shown wrongly");
+    }
+
+    static bool anythingWaits() {
+        return !tables.RSCalendarSave.isEmpty() || !tables.RSContactsSave.isEmpty();
     }
 
     bool transfer() {
         const Now before = now();
-        app.core.GlobalSilentMode = kFalse;
-        app.settings.ActiveAPP = Kind::view;
-        // Behind an earlier failed entry a transfer shows the log and clears the phone's rows.
-        stale = stale || app.log.LogErrorFlag;
-        const bool done = TransfertoMobile(tables.RSContactsSave, tables.RSCalendarSave);
+        const bool done = transferView(Kind::view);
         const Now after = holdingsBehind(before, wishes);
         for (auto& [key, wish] : wishes) {
-            wish.answerLost = wish.answerLost || phoneFailed();
+            wish.answerLost = wish.answerLost || phone.hasFailed();
         }
-        const auto served = servedWishes(wishes, before, after);
+        const auto served = wishes.served(before, after);
         require(!done || queue.isEmpty(), "a transfer that is done leaves rows");
         require(done || wasTold() || user.meansIt, "a transfer failed without a word");
         const Wishes asked = wishes;
         for (auto wish = wishes.begin(); wish != wishes.end();) {
             const bool waits = isQueued(wish->first);
             const bool happened = served.contains(wish->first);
-            require(!happened || !wish->second.made || phoneFailed(),
+            require(!happened || !wish->second.made || phone.hasFailed(),
                     "made once more: " + wish->second.line());
             wish->second.made |= happened && wish->second.creation && wish->second.onPhone;
-            require(!waits || !happened || phoneFailed() || organizerFailed(),
+            require(!waits || !happened || sideFailed(),
                     "done, and to be done again: " + wish->second.line() + queueLines());
-            require(waits || happened || holds(wish->second, after) ||
-                        isReplaced(wish->second, asked, after),
+            require(waits || happened || Wishes::holds(wish->second, after) ||
+                        asked.giveAway(wish->second, after),
                     "left the queue undone: " + wish->second.line());
             wish = waits ? std::next(wish) : wishes.erase(wish);
         }
         requireQueue();
         stale = stale || !done;
         return done;
+    }
+
+    /// What waits for the view that is shown goes out.
+    bool transferView(std::int16_t view) {
+        app.core.GlobalSilentMode = kFalse;
+        app.settings.ActiveAPP = view;
+        // Behind an earlier failed entry a transfer shows the log and clears the phone's rows.
+        stale = stale || app.log.LogErrorFlag;
+        return TransfertoMobile(tables.RSContactsSave, tables.RSCalendarSave);
+    }
+
+    void transferWithFault() {
+        const std::string fault = plantFault(held());
+        say("transfer of " + std::to_string(queue.recordCount()) + fault);
+        transfer();
+        heal();
     }
 
     /// What a command does before it works over waiting changes: send them, or let them go.
@@ -339,6 +382,41 @@ struct QueuedUser : MachineWorld {
             showSaveTool();
         }
         stale = true;
+    }
+
+    // Steps of every machine
+
+    /// The phone is changed only while no change of its objects waits.
+    void changePhoneIfFree() {
+        if (!wishes.anyOf([](const Wish& wish) { return wish.onPhone; })) {
+            say(changePhone());
+        }
+    }
+
+    void switchSaving() {
+        if (!anythingWaits()) {
+            app.settings.SaveTyp = app.settings.SaveTyp == 1 ? 2 : 1;
+            say("SaveTyp " + std::to_string(app.settings.SaveTyp));
+        }
+    }
+
+    [[nodiscard]] std::string story() const {
+        std::string all;
+        for (const std::string& words : history) {
+            all += "\n  " + words;
+        }
+        return all + "\nbefore this step" + linesOf(beforeStep) + "\nnow" + linesOf(now());
+    }
+
+    static std::string linesOf(const Now& sides) {
+        std::string all;
+        for (const auto& [number, bytes] : sides.phone) {
+            all += "\n  phone " + std::to_string(number) + Kind::lineOf(bytes);
+        }
+        for (const auto& [uid, item] : sides.organizer) {
+            all += "\n  organizer " + Kind::lineOf(item);
+        }
+        return all;
     }
 };
 

@@ -1,15 +1,13 @@
 #pragma once
 
-// What the state machine works on: the phone and the organizer in memory, made able to do what was
-// asked and lose the answer, a user who may press Cancel, and what both sides hold, told in a form
-// that two of them can be compared in.
+// What a state machine works on: the phone and the organizer in memory, whose calls may fail or
+// lose their answers, a user who may press Cancel, and what other programs and AutoSync do.
 
 #include "organizer/calendar_reading.h"
 #include "phone/phone_dialog_reading.h"
-#include "support/passing_item.h"
+#include "sync/status_arrays.h"
 #include "sync/sync_world.h"
 
-#include <compare>
 #include <deque>
 #include <random>
 
@@ -24,8 +22,13 @@ struct Dice {
     bool once(int in) { return upTo(in - 1) == 0; }
 
     template <class Choices>
-    auto one(const Choices& choices) {
-        return *(std::begin(choices) + upTo(static_cast<int>(std::ssize(choices)) - 1));
+    auto& one(Choices& choices) {
+        return *std::next(std::begin(choices), upTo(static_cast<int>(std::ssize(choices)) - 1));
+    }
+
+    template <class Choice>
+    Choice one(std::initializer_list<Choice> choices) {
+        return *(choices.begin() + upTo(static_cast<int>(choices.size()) - 1));
     }
 };
 
@@ -38,97 +41,6 @@ inline void require(bool holds, const std::string& what) {
         throw Violation{what};
     }
 }
-
-/// A phone that can store or remove and then lose the answer.
-struct LossyPhone : FakePhone {
-    int lostAnswer = 0; ///< from 1: this store or removal is done and fails all the same
-    bool answerWasLost = false;
-
-    void PXDDelete(TextView path) override {
-        FakePhone::PXDDelete(path);
-        answer();
-    }
-
-    void PXDWrite(TextView path, const PXDStream& stream, int flags) override {
-        FakePhone::PXDWrite(path, stream, flags);
-        answer();
-    }
-
-private:
-    void answer() {
-        if (lostAnswer > 0 && --lostAnswer == 0) {
-            answerWasLost = true;
-            throw Failure(failure_number::kServerFailed, u"the answer was lost");
-        }
-    }
-};
-
-/// An organizer that can do the same, with its contacts.
-struct LossyOrganizer : FakeOrganizer {
-    int lostAnswer = 0;
-    bool answerWasLost = false;
-
-    std::unique_ptr<AppointmentItem> CreateItem() override {
-        return std::make_unique<LossyItem>(*this, FakeOrganizer::CreateItem());
-    }
-
-    std::unique_ptr<AppointmentItem> GetItemFromID(TextView entryID) override {
-        return std::make_unique<LossyItem>(*this, FakeOrganizer::GetItemFromID(entryID));
-    }
-
-    ContactFolder& GetContactItems(const FolderRecord& folder) override {
-        FakeOrganizer::GetContactItems(folder);
-        return people;
-    }
-
-    void answer() {
-        if (lostAnswer > 0 && --lostAnswer == 0) {
-            answerWasLost = true;
-            throw Failure(failure_number::kOrganizerFailed, u"the answer was lost");
-        }
-    }
-
-private:
-    struct LossyItem : PassingItem {
-        LossyItem(LossyOrganizer& organizer, std::unique_ptr<AppointmentItem> item)
-            : PassingItem(std::move(item)), organizer_(organizer) {}
-
-        void Save() override {
-            item_->Save();
-            organizer_.answer();
-        }
-
-        void Delete() override {
-            item_->Delete();
-            organizer_.answer();
-        }
-
-    private:
-        LossyOrganizer& organizer_;
-    };
-
-    struct LossyContacts : FakeContacts {
-        explicit LossyContacts(LossyOrganizer& organizer)
-            : FakeContacts([&organizer](TextView operation) { organizer.begin(operation); }),
-              organizer_(organizer) {}
-
-        void stored(const ContactFacts& facts) override {
-            FakeContacts::stored(facts);
-            organizer_.answer();
-        }
-
-        void removed(TextView entryID) override {
-            FakeContacts::removed(entryID);
-            organizer_.answer();
-        }
-
-    private:
-        LossyOrganizer& organizer_;
-    };
-
-public:
-    LossyContacts people{*this};
-};
 
 /// A user who presses Cancel at the n-th look at the button, and means it.
 struct ImpatientScreen : ScriptedScreen {
@@ -150,59 +62,6 @@ struct ImpatientScreen : ScriptedScreen {
     }
 };
 
-/// What an object of the phone says.
-struct Told {
-    char kind = 'M';
-    Date start;
-    Date end;
-    std::string text;
-    std::string rule; ///< as in the object
-    std::string alarm;
-
-    friend bool operator==(const Told&, const Told&) = default;
-
-    [[nodiscard]] bool isSeries() const { return !rule.empty(); }
-
-    [[nodiscard]] std::string line() const { return lineOf("", kind, start, text, rule); }
-};
-
-inline Date dateOfObject(const std::string& value) {
-    const auto part = [&](std::size_t from, std::size_t length) {
-        return std::stoi(value.substr(from, length));
-    };
-    return value.empty() ? Date{0}
-                         : at(part(0, 4), part(4, 2), part(6, 2), part(9, 2), part(11, 2));
-}
-
-inline Told toldBy(const std::string& object) {
-    Told told;
-    const auto kind = std::ranges::find(kKinds, propertyOf(object, "CATEGORIES"),
-                                        [](const NamedKind& k) { return std::string(k.category); });
-    told.kind = kind == kKinds.end() ? '?' : kind->letter;
-    told.start = dateOfObject(propertyOf(object, "DTSTART"));
-    told.end = dateOfObject(propertyOf(object, "DTEND"));
-    told.text = propertyOf(object, "DESCRIPTION");
-    told.rule = propertyOf(object, "RRULE");
-    told.alarm = propertyOf(object, "AALARM");
-    return told;
-}
-
-inline bool sameFacts(const AppointmentFacts& a, const AppointmentFacts& b) {
-    const auto facts = [](const AppointmentFacts& f) {
-        return std::tie(f.EntryID, f.Subject, f.Start, f.End, f.MeetingStatus, f.AllDayEvent,
-                        f.ReminderSet, f.ReminderMinutesBeforeStart, f.IsRecurring,
-                        f.Details.Exceptions, f.Details.Occurrences, f.File);
-    };
-    return facts(a) == facts(b) && (!a.IsRecurring || a.Pattern == b.Pattern);
-}
-
-inline std::string lineOfItem(const AppointmentFacts& item) {
-    const auto rule = std::ranges::find(kRules, item.Pattern.RecurrenceType,
-                                        [](const auto& named) { return named.second; });
-    return lineOf(toUtf8(item.EntryID), item.MeetingStatus == 1 ? 'B' : 'M', item.Start,
-                  toUtf8(item.Subject), item.IsRecurring ? rule->first : "");
-}
-
 /// What both sides hold of one kind of entries at a moment.
 template <class Facts>
 struct Sides {
@@ -210,50 +69,36 @@ struct Sides {
     std::map<Text, Facts> organizer;
 };
 
-using Holdings = Sides<AppointmentFacts>;
+using Run = void (*)();
 
-struct MachineWorld : FreshProgram {
-    LossyPhone phone;
-    LossyOrganizer organizer;
+struct MachineWorld : SyncWorld {
     ImpatientScreen user;
     Dice dice;
+    TextView directory;              ///< of the phone's objects that it is about
     std::deque<std::string> history; ///< the last steps in words
+    bool stale = true;               ///< the table does not show what is there
+    int items = 0;                   ///< that other programs gave to the organizer
     int quiet = 0;                   ///< second runs of AutoSync that had nothing to do
     int restless = 0;                ///< and those that still wrote
 
-    MachineWorld() {
+    MachineWorld(std::mt19937 engine, TextView objects, int fewest, int more)
+        : dice{engine}, directory(objects) {
         app.ports.screen = {&user, &user, &user};
-        phone.connect();
-        organizer.connect();
-        LogInit();
-        app.core.GlobalADOAvailable = kTrue;
         app.phone.acceptEmptyPhone = true;
         app.sync.DateFrameFrom = app.sync.GlobalPeriodStart = at(2026, 11, 1);
         app.sync.DateFrameTo = app.sync.GlobalPeriodEnd = at(2027, 12, 31, 23, 59, 59);
         app.settings.SyncEintraegevonbis = u"2026-11-21\t2026-12-31 23:59:59";
         app.settings.SyncEintraegeab = at(2026, 11, 22);
         app.settings.SyncnaechstenAnzahl = 2;
+        phone.maximumRecords[Text(directory)] = dice.once(3) ? fewest + dice.upTo(more) : 500;
+        app.settings.SaveTyp = dice.one<std::int16_t>({1, 2});
     }
 
-    static Text pathOf(int number) {
-        return Text(FakePhone::kCalendar) + decimal(number) + u".vcs";
+    [[nodiscard]] Text pathOf(int number) const {
+        return Text(directory) + decimal(number) + u'.' + FakePhone::extensionOf(directory);
     }
 
-    [[nodiscard]] int room() const { return phone.maximumRecords.at(Text(FakePhone::kCalendar)); }
-
-    [[nodiscard]] std::map<int, std::string> objectsIn(TextView directory) const {
-        std::map<int, std::string> objects;
-        for (const auto& [path, bytes] : phone.files) {
-            if (path.starts_with(directory)) {
-                objects[static_cast<int>(leadingNumber(path.substr(directory.size())))] = bytes;
-            }
-        }
-        return objects;
-    }
-
-    [[nodiscard]] Holdings holdings() const {
-        return {objectsIn(FakePhone::kCalendar), organizer.items};
-    }
+    [[nodiscard]] int room() const { return phone.maximumRecords.at(Text(directory)); }
 
     void say(const std::string& words) {
         history.push_back(words);
@@ -274,24 +119,12 @@ struct MachineWorld : FreshProgram {
 
     // Faults
 
-    [[nodiscard]] bool phoneFailed() const {
-        return phone.answerWasLost ||
-               (phone.fault.call != 0 && phone.calls.size() >= phone.fault.call);
-    }
-
-    [[nodiscard]] bool organizerFailed() const {
-        return organizer.answerWasLost ||
-               (organizer.fault.call != 0 && organizer.calls.size() >= organizer.fault.call);
-    }
-
     /// Both sides work again, and count their calls from 1.
     void heal() {
-        phone.calls.clear();
-        organizer.calls.clear();
-        phone.fault = {};
-        organizer.fault = {};
-        phone.lostAnswer = organizer.lostAnswer = user.cancelAt = 0;
-        phone.answerWasLost = organizer.answerWasLost = user.meansIt = false;
+        phone.heal();
+        organizer.heal();
+        user.cancelAt = 0;
+        user.meansIt = false;
     }
 
     /// Once in four times something will go wrong; both sides hold `size` entries.
@@ -301,47 +134,154 @@ struct MachineWorld : FreshProgram {
         if (!dice.once(4)) {
             return {};
         }
-        const auto call = static_cast<std::size_t>(1 + dice.upTo(dice.once(2) ? 4 : 2 * size + 12));
+        const int call = 1 + dice.upTo(dice.once(2) ? 4 : 2 * size + 12);
         const bool dead = dice.once(2);
-        switch (dice.upTo(4)) {
-        case 0:
-            phone.fault.call = call;
-            phone.fault.deadFromThen = dead;
-            phone.fault.failure.Number =
-                dice.one(std::array{failure_number::kServerFailed, failure_number::kServerGone});
-            return " [phone call " + std::to_string(call) + (dead ? " dead]" : " fails]");
-        case 1:
-            organizer.fault.call = call;
-            organizer.fault.deadFromThen = dead;
-            organizer.fault.failure.Number =
-                dice.one(std::array{failure_number::kOrganizerFailed, failure_number::kDiskFull});
-            return " [organizer call " + std::to_string(call) + (dead ? " dead]" : " fails]");
-        case 2:
-            phone.lostAnswer = 1 + dice.upTo(3);
-            return " [phone answer " + std::to_string(phone.lostAnswer) + " lost]";
-        case 3:
-            organizer.lostAnswer = 1 + dice.upTo(3);
-            return " [organizer answer " + std::to_string(organizer.lostAnswer) + " lost]";
-        default:
-            user.cancelAt = static_cast<int>(call);
+        const int what = dice.upTo(4);
+        if (what == 4) {
+            user.cancelAt = call;
             return " [cancel at " + std::to_string(call) + "]";
         }
+        const bool onPhone = what % 2 == 0;
+        FaultyCalls& side = onPhone ? static_cast<FaultyCalls&>(phone) : organizer;
+        const std::string name = onPhone ? " [phone " : " [organizer ";
+        if (what > 1) {
+            side.lostAnswer = 1 + dice.upTo(3);
+            return name + "answer " + std::to_string(side.lostAnswer) + " lost]";
+        }
+        using namespace failure_number;
+        side.fault.call = static_cast<std::size_t>(call);
+        side.fault.deadFromThen = dead;
+        side.fault.failure.Number = onPhone ? dice.one({kServerFailed, kServerGone})
+                                            : dice.one({kOrganizerFailed, kDiskFull});
+        return name + "call " + std::to_string(call) + (dead ? " dead]" : " fails]");
     }
 
-    std::ptrdiff_t writes() const {
-        return phone.callsOf(u"PXDWrite") + phone.callsOf(u"PXDDelete") +
-               organizer.callsOf(u"Save") + organizer.callsOf(u"Delete") +
-               organizer.callsOf(u"SaveContact") + organizer.callsOf(u"DeleteContact");
-    }
+    [[nodiscard]] bool sideFailed() const { return phone.hasFailed() || organizer.hasFailed(); }
 
     /// Faults in calls whose failure loses nothing.
     [[nodiscard]] bool onlyUnheard() const {
-        const auto at = [](const auto& side) {
-            return side.fault.call != 0 && side.calls.size() >= side.fault.call
-                       ? side.calls[side.fault.call - 1]
-                       : Text();
-        };
-        return at(phone).starts_with(u"restoreDeleted") || at(organizer) == u"Name";
+        return phone.failedCall().starts_with(u"restoreDeleted") ||
+               organizer.failedCall() == u"Name";
+    }
+
+    // Other programs
+
+    /// An object made up at random gets this number, an item joins the organizer; both in words.
+    virtual std::string putObject(int number) = 0;
+    virtual std::string addItem() = 0;
+
+    void fillSides() {
+        for (int i = dice.upTo(8); i > 0; --i) {
+            dice.once(2) ? addObject() : addItem();
+        }
+    }
+
+    std::string addObject() {
+        if (std::ssize(objectsIn(directory)) >= room()) {
+            return "phone full";
+        }
+        // The calendar's numbers end with its room.
+        const bool calendar = directory == FakePhone::kCalendar;
+        int number = 1 + dice.upTo(calendar ? std::min(room(), 40) - 1 : 20);
+        while (phone.files.contains(pathOf(number))) {
+            number = calendar ? number % room() + 1 : number + 1;
+        }
+        return "phone gets " + putObject(number);
+    }
+
+    std::string changePhone() {
+        const auto objects = objectsIn(directory);
+        stale = true;
+        if (objects.empty() || dice.once(2)) {
+            return addObject();
+        }
+        const int number = dice.one(objects).first;
+        phone.files.erase(pathOf(number));
+        return dice.once(2) ? "phone loses " + std::to_string(number)
+                            : "phone changes " + putObject(number);
+    }
+
+    /// One of the organizer's `all` goes or is changed, or another one joins them.
+    template <class Items, class Change>
+    std::string changeOneOf(Items& all, Change change) {
+        if (all.empty() || dice.once(2)) {
+            return addItem();
+        }
+        auto& [uid, facts] = dice.one(all);
+        const std::string name = toUtf8(uid);
+        if (dice.once(2)) {
+            all.erase(all.find(uid));
+            return "organizer loses " + name;
+        }
+        return "organizer changes " + name + ' ' + change(facts);
+    }
+
+    // AutoSync
+
+    void runAutoSync(Run sync) {
+        app.core.GlobalSilentMode = kTrue;
+        app.run = {};
+        LogInit();
+        failuresBefore = app.log.LogTransferFehler;
+        PXDInfoAll(phoneServer(), app.phone.GlobalMobilePaths);
+        sync();
+        stale = true;
+    }
+
+    /// AutoSync is a process of its own: it begins with empty tables.
+    void beginProcess() {
+        vCalReset(tables.RSCalendar);
+        vCardReset(tables.RSContacts);
+        app.phone.vCalEntryCount = app.phone.vCardEntryCount = 0;
+        app.phone.MobileConnected = kFalse;
+        app.organizer.calendarFolder = nullptr;
+        app.phone.PXDServer.reset();
+        app.log.LogErrorFlag = kFalse;
+        phone.connect();
+        heal();
+    }
+
+    static void requireEnded() {
+        require(tables.RSCalendar.isEmpty() && tables.RSCalendarSave.isEmpty() &&
+                    tables.RSContacts.isEmpty() && tables.RSContactsSave.isEmpty() &&
+                    app.phone.vCalEntryCount == 0 && app.phone.vCardEntryCount == 0 &&
+                    app.organizer.vCalPIMCount == 0 && app.organizer.vCardPIMCount == 0 &&
+                    !app.phone.vCalRead && !app.phone.vCardRead && !app.organizer.vCalPIMRead &&
+                    !app.organizer.vCardPIMRead && !app.sync.AutoSyncRunning,
+                "AutoSync left its table or its flags behind");
+    }
+
+    /// Did nothing go wrong in the run? What did was told. Both sides work again.
+    bool ranClean() {
+        const bool clean = !sideFailed() && !user.meansIt;
+        // A save that was done is found done, whatever became of its answer.
+        require(!sideFailed() || wasTold() || onlyUnheard() || organizer.answerWasLost,
+                "a fault without a word");
+        require(!clean || app.run.failures == 0, "a failure without a fault");
+        heal();
+        return clean;
+    }
+
+    /// The same run once more writes nothing, a third at the latest; `refills` tells when one works
+    /// over what the one before did.
+    template <class Refills>
+    void requireQuiet(Run sync, Refills refills) {
+        if (!dice.once(3)) {
+            return;
+        }
+        for (int again = 2; again <= 3; ++again) {
+            if (refills()) {
+                return;
+            }
+            heal();
+            runAutoSync(sync);
+            if (writes() == 0) {
+                (again == 2 ? quiet : restless) += 1;
+                return;
+            }
+            say("  run " + std::to_string(again) + " wrote");
+        }
+        throw Violation{"the third run still writes"};
     }
 };
 

@@ -2,10 +2,8 @@
 // table, the queue, AutoSync in every mode and frame, with faults and cancels at random moments.
 // After each step a model says what may have happened.
 
-#include "phone/object_store.h"
-#include "phone/phone_info.h"
+#include "property/calendar_user.h"
 #include "property/machine_episodes.h"
-#include "property/machine_user.h"
 #include "sync/autosync_frame.h"
 
 #include <ranges>
@@ -15,55 +13,19 @@ using namespace tandolin::testing;
 
 namespace {
 
-struct Machine : UserMachine {
-    Holdings beforeStep;
-    int items = 0;
-
-    explicit Machine(std::mt19937 engine) {
-        dice.engine = engine;
-        phone.maximumRecords[Text(FakePhone::kCalendar)] = dice.once(3) ? 8 + dice.upTo(12) : 500;
-        app.settings.SaveTyp = dice.one(std::array<std::int16_t, 2>{1, 2});
-        for (int i = dice.upTo(8); i > 0; --i) {
-            dice.once(2) ? addObject() : addItem();
-        }
-    }
+struct Machine : CalendarUser {
+    explicit Machine(std::mt19937 engine) : CalendarUser(engine) { fillSides(); }
 
     // Other programs
 
-    std::string addObject() {
-        if (std::ssize(holdings().phone) >= room()) {
-            return "phone full";
-        }
-        int number = 1 + dice.upTo(std::min(room(), 40) - 1);
-        while (phone.files.contains(pathOf(number))) {
-            number = number % room() + 1;
-        }
-        const std::string what = line(true);
-        EntryLine entry(what);
-        entry.text = onPhone(entry.kind, entry.text);
-        phone.files[pathOf(number)] = objectOf(entry);
-        return "phone gets " + std::to_string(number) + ' ' + what;
-    }
-
-    std::string changePhone() {
-        const Holdings now = holdings();
-        stale = true;
-        if (now.phone.empty() || dice.once(2)) {
-            return addObject();
-        }
-        const int number =
-            std::next(now.phone.begin(), dice.upTo(static_cast<int>(now.phone.size()) - 1))->first;
-        phone.files.erase(pathOf(number));
-        if (dice.once(2)) {
-            return "phone loses " + std::to_string(number);
-        }
+    std::string putObject(int number) override {
         EntryLine entry(line(true));
         entry.text = onPhone(entry.kind, entry.text);
         phone.files[pathOf(number)] = objectOf(entry);
-        return "phone changes " + std::to_string(number) + " to " + toldBy(objectOf(entry)).line();
+        return std::to_string(number) + toldBy(objectOf(entry)).line();
     }
 
-    std::string addItem() {
+    std::string addItem() override {
         const std::string what = line(true);
         const EntryLine entry(what);
         AppointmentFacts& item =
@@ -82,32 +44,20 @@ struct Machine : UserMachine {
     }
 
     std::string changeOrganizer() {
-        if (organizer.items.empty() || dice.once(2)) {
-            return addItem();
-        }
-        const auto item = std::next(organizer.items.begin(),
-                                    dice.upTo(static_cast<int>(organizer.items.size()) - 1));
-        const std::string uid = toUtf8(item->first);
-        if (dice.once(2)) {
-            organizer.items.erase(item);
-            return "organizer loses " + uid;
-        }
-        item->second.Subject = fromUtf8(text('M'));
-        return "organizer changes " + lineOfItem(item->second);
+        return changeOneOf(organizer.items, [&](AppointmentFacts& item) {
+            item.Subject = fromUtf8(text('M'));
+            return lineOfItem(item);
+        });
     }
 
     // AutoSync
 
-    [[nodiscard]] int held() const {
-        return static_cast<int>(holdings().phone.size() + organizer.items.size());
-    }
-
     SyncPlan makePlan() {
-        app.settings.SyncTyp = dice.one(std::array<std::int16_t, 4>{1, 2, 3, 4});
-        app.settings.SyncZeitraum = dice.one(std::array<std::int16_t, 4>{1, 2, 3, 4});
+        app.settings.SyncTyp = dice.one<std::int16_t>({1, 2, 3, 4});
+        app.settings.SyncZeitraum = dice.one<std::int16_t>({1, 2, 3, 4});
         app.settings.SyncAlarmAnzahl = static_cast<std::int16_t>(1 + dice.upTo(12));
         app.settings.SyncTageWochenMonate = static_cast<std::int16_t>(dice.upTo(2));
-        app.settings.SyncTermine = dice.one(std::array<std::int16_t, 4>{32, 32, 1, 3});
+        app.settings.SyncTermine = dice.one<std::int16_t>({32, 32, 1, 3});
         SyncPlan plan{app.settings.SyncTyp, app.settings.SyncZeitraum, room(),
                       app.settings.SyncAlarmAnzahl};
         if (plan.frame != 1) {
@@ -126,53 +76,24 @@ struct Machine : UserMachine {
         return uids;
     }
 
-    void runAutoSync() {
-        app.core.GlobalSilentMode = kTrue;
-        app.run = {};
-        LogInit();
-        failuresBefore = app.log.LogTransferFehler;
-        PXDInfoAll(phoneServer(), app.phone.GlobalMobilePaths);
-        SilentAutoSyncvCal();
-        stale = true;
-    }
-
-    /// AutoSync is a process of its own: it begins with empty tables.
-    void endSession() {
-        askFirst();
-        vCalReset(table);
-        app.phone.vCalEntryCount = 0;
-        app.phone.MobileConnected = kFalse;
-        app.organizer.calendarFolder = nullptr;
-        app.phone.PXDServer.reset();
-        app.log.LogErrorFlag = kFalse;
-        phone.connect();
-        heal();
-        beforeStep = holdings();
-    }
-
     void sync() {
-        endSession();
+        askFirst();
+        beginProcess();
+        beforeStep = now();
         const SyncPlan plan = makePlan();
         const std::string fault = plantFault(held());
         say("AutoSync mode " + std::to_string(plan.mode) + " frame " + std::to_string(plan.frame) +
             " kinds " + std::to_string(app.settings.SyncTermine) + fault);
-        const Holdings before = holdings();
-        runAutoSync();
-        const Holdings after = holdings();
-        requireKept(plan, before, after);
-        requireNoMoreCopies(plan, before, after);
+        runAutoSync(SilentAutoSyncvCal);
+        const Holdings after = now();
+        requireKept<CalendarKind>(beforeStep, after, plan.room, plan.mayRemove(beforeStep));
+        requireNoMoreCopies(plan, beforeStep, after);
         requireNothingAfterFailedRead();
         requireEnded();
-        const bool clean = !phoneFailed() && !organizerFailed() && !user.meansIt;
-        const bool failed = phoneFailed() || organizerFailed();
-        // A save that was done is found done, whatever became of its answer.
-        require(!failed || wasTold() || onlyUnheard() || organizer.answerWasLost,
-                "a fault without a word");
-        require(!clean || app.run.failures == 0, "a failure without a fault");
-        heal();
-        if (clean) {
+        if (ranClean()) {
             requireComplete(plan, after);
-            requireQuiet(plan);
+            // What the run before has filled mode 1 empties again, to write it anew.
+            requireQuiet(SilentAutoSyncvCal, [&] { return plan.mayRemove(now()) > 0; });
         }
     }
 
@@ -189,12 +110,9 @@ struct Machine : UserMachine {
         return there;
     }
 
-    void requireNothingAfterFailedReadOfPhone() {
-        if (phone.fault.call == 0 || phone.calls.size() < phone.fault.call) {
-            return;
-        }
+    void requireNothingAfterFailedRead() {
         constexpr TextView kRead = u"PXDRead ";
-        const Text& call = phone.calls[phone.fault.call - 1];
+        const Text call = phone.failedCall();
         if (call.starts_with(u"PXDList")) {
             // A listing that fails looks like an empty one; on an empty phone it may be one.
             require(beforeStep.phone.empty() || writes() == 0,
@@ -208,23 +126,11 @@ struct Machine : UserMachine {
             require(std::find(failed, phone.calls.end(), u"PXDWrite " + path) == phone.calls.end(),
                     "written where nobody could look");
         }
-    }
-
-    void requireNothingAfterFailedRead() {
-        requireNothingAfterFailedReadOfPhone();
-        if (organizer.fault.call != 0 && organizer.calls.size() >= organizer.fault.call &&
-            organizer.callsOf(u"Find") <= 1 && organizer.callsOf(u"Save") == 0 &&
-            organizer.callsOf(u"CreateItem") == 0) {
+        if (!organizer.failedCall().empty() && organizer.callsOf(u"Find") <= 1 &&
+            organizer.callsOf(u"Save") == 0 && organizer.callsOf(u"CreateItem") == 0) {
             require(writes() == 0 || organizer.callsOf(u"Find") > 0,
                     "written after a failed read of the organizer");
         }
-    }
-
-    void requireEnded() {
-        require(table.isEmpty() && app.phone.vCalEntryCount == 0 &&
-                    app.organizer.vCalPIMCount == 0 && !app.phone.vCalRead &&
-                    !app.organizer.vCalPIMRead && !app.sync.AutoSyncRunning,
-                "AutoSync left its table or its flags behind");
     }
 
     /// Nothing that was to be copied is missing, where room and frame leave no doubt.
@@ -236,12 +142,11 @@ struct Machine : UserMachine {
         const auto inOrganizer = countClasses(after.organizer);
         if (plan.mode != 3) {
             for (const Text& uid : inFrame()) {
-                const std::string key = classOf(after.organizer.at(uid));
-                require(onPhone.contains(key) || heldInOtherWords(after, after.organizer.at(uid)),
-                        "not sent: " + lineOfItem(after.organizer.at(uid)));
+                const AppointmentFacts& item = after.organizer.at(uid);
+                require(onPhone.contains(classOf(item)) || heldInOtherWords(after, item),
+                        "not sent: " + lineOfItem(item));
             }
-        }
-        if (plan.mode == 3) {
+        } else {
             for (const auto& [number, bytes] : after.phone) {
                 require(inOrganizer.contains(classOf(bytes)) || toldBy(bytes).kind == 'C',
                         "not created: " + toldBy(bytes).line());
@@ -257,59 +162,7 @@ struct Machine : UserMachine {
         });
     }
 
-    void requireQuiet(const SyncPlan& plan) {
-        if (!dice.once(3)) {
-            return;
-        }
-        for (int run = 2; run <= 3; ++run) {
-            // What the run before has filled mode 1 empties again, to write it anew.
-            if (plan.mayRemove(static_cast<int>(holdings().phone.size())) > 0) {
-                return;
-            }
-            heal();
-            runAutoSync();
-            if (writes() == 0) {
-                quiet += run == 2 ? 1 : 0;
-                restless += run == 3 ? 1 : 0;
-                return;
-            }
-            say("  run " + std::to_string(run) + " wrote");
-        }
-        throw Violation{"the third run still writes"};
-    }
-
     // The driver
-
-    void userAct() {
-        if (stale) {
-            askFirst();
-            heal();
-            readBoth();
-        }
-        require(!stale, "a read without a fault failed");
-        app.core.GlobalSilentMode = kFalse;
-        const std::string fault =
-            app.settings.SaveTyp == 1 ? plantFault(held()) : (heal(), listen(), std::string());
-        user.cancelAt = 0;
-        if (!fault.empty()) {
-            say(fault);
-        }
-        if (dice.once(4) || !pickRow()) {
-            add();
-        } else {
-            switch (dice.upTo(4)) {
-            case 0:
-                remove();
-                break;
-            case 1:
-                tick();
-                break;
-            default:
-                edit();
-            }
-        }
-        heal();
-    }
 
     /// A read that removes the phone's past entries, at once or through the queue.
     void autodelete() {
@@ -321,7 +174,7 @@ struct Machine : UserMachine {
         const std::string fault = plantFault(held());
         say("read with Autodelete" + fault);
         app.core.GlobalSilentMode = kFalse;
-        const Holdings before = holdings();
+        const Holdings before = now();
         const bool read = vCalReadMobile(false) && vCalReadOutlook(table, false);
         app.settings.Autodel = 0;
         stale = true;
@@ -336,7 +189,7 @@ struct Machine : UserMachine {
             }
         }
         const bool atOnce = app.settings.SaveTyp == 1;
-        const auto served = servedWishes(atOnce ? past : Wishes{}, before, holdings());
+        const auto served = (atOnce ? past : Wishes()).served(before, now());
         require(read || wasTold(), "a read failed without a word");
         require(!read || user.meansIt || !atOnce || served.size() == past.size(),
                 "a past entry stayed on the phone");
@@ -351,61 +204,26 @@ struct Machine : UserMachine {
     }
 
     void step() {
-        rememberRemoved(beforeStep, holdings());
-        beforeStep = holdings();
+        beginStep();
         switch (dice.upTo(12)) {
         case 0:
-            if (std::ranges::none_of(wishes, [](const auto& w) { return w.second.onPhone; })) {
-                say(changePhone());
-            }
-            break;
+            return changePhoneIfFree();
         case 1:
         case 2:
-            say(changeOrganizer());
-            break;
+            return say(changeOrganizer());
         case 3:
         case 4:
         case 5:
-            sync();
-            break;
-        case 6: {
-            const std::string fault = plantFault(held());
-            say("transfer of " + std::to_string(queue.recordCount()) + fault);
-            transfer();
-            heal();
-            break;
-        }
+            return sync();
+        case 6:
+            return transferWithFault();
         case 7:
-            if (queue.isEmpty()) {
-                app.settings.SaveTyp = app.settings.SaveTyp == 1 ? 2 : 1;
-                say("SaveTyp " + std::to_string(app.settings.SaveTyp));
-            }
-            break;
+            return switchSaving();
         case 8:
-            autodelete();
-            break;
+            return autodelete();
         default:
             userAct();
         }
-    }
-
-    [[nodiscard]] std::string story() const {
-        std::string all;
-        for (const std::string& words : history) {
-            all += "\n  " + words;
-        }
-        return all + "\nbefore this step" + linesOf(beforeStep) + "\nnow" + linesOf(holdings());
-    }
-
-    static std::string linesOf(const Holdings& holdings) {
-        std::string all;
-        for (const auto& [number, bytes] : holdings.phone) {
-            all += "\n  phone " + std::to_string(number) + toldBy(bytes).line();
-        }
-        for (const auto& [uid, item] : holdings.organizer) {
-            all += "\n  organizer " + lineOfItem(item);
-        }
-        return all;
     }
 };
 

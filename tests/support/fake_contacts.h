@@ -1,6 +1,7 @@
 #pragma once
 
-// The contacts of the organizer in memory. Each call is told to `begin`, which may fail it.
+// The contacts of the organizer in memory. Each call is told to `begin`, which may fail it, and
+// each store and removal, once it is done, to `answer`.
 
 #include "core/failure.h"
 #include "core/ports/contacts.h"
@@ -17,7 +18,8 @@ class FakeContacts : public ContactFolder {
 public:
     using Begin = std::function<void(TextView operation)>;
 
-    explicit FakeContacts(Begin begin) : begin_(std::move(begin)) {}
+    FakeContacts(Begin begin, std::function<void()> answer)
+        : begin_(std::move(begin)), answer_(std::move(answer)) {}
 
     std::map<Text, ContactFacts> items;
 
@@ -85,11 +87,6 @@ public:
         return std::make_unique<Opened>(*this, item->second);
     }
 
-protected:
-    virtual void stored(const ContactFacts& facts) { items[facts.EntryID] = facts; }
-
-    virtual void removed(TextView entryID) { items.erase(Text(entryID)); }
-
 private:
     class Opened : public ContactItem {
     public:
@@ -107,12 +104,14 @@ private:
 
         void Save() override {
             store_.begin_(u"SaveContact");
-            store_.stored(facts_);
+            store_.items[facts_.EntryID] = facts_;
+            store_.answer_();
         }
 
         void Delete() override {
             store_.begin_(u"DeleteContact");
-            store_.removed(facts_.EntryID);
+            store_.items.erase(facts_.EntryID);
+            store_.answer_();
         }
 
     private:
@@ -121,6 +120,7 @@ private:
     };
 
     Begin begin_;
+    std::function<void()> answer_;
     std::vector<ContactFacts> sorted_;
     int created_ = 0;
 };

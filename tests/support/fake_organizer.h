@@ -6,6 +6,7 @@
 #include "core/ports/organizer.h"
 #include "core/state.h"
 #include "support/fake_contacts.h"
+#include "support/faulty_calls.h"
 
 #include <algorithm>
 #include <map>
@@ -17,26 +18,16 @@
 
 namespace tandolin::testing {
 
-class FakeOrganizer : public Organizer, public CalendarFolder {
+class FakeOrganizer : public Organizer, public CalendarFolder, public FaultyCalls {
 public:
     std::map<Text, AppointmentFacts> items;
-    FakeContacts contacts{[this](TextView operation) { begin(operation); }};
+    FakeContacts contacts{[this](TextView operation) { begin(operation); }, [this] { answer(); }};
     std::vector<UnreadableItem> unreadableItems;
     Text name = u"Fake";
     Text version = u"12.0";
     std::vector<FolderRecord> topFolders;
 
-    /// Every call so far, the failing one included.
-    mutable std::vector<Text> calls;
-
-    /// From 1: this call fails, and with `deadFromThen` every later one too. 0 is no fault.
-    struct Fault {
-        std::size_t call = 0;
-        Failure failure{failure_number::kOrganizerFailed, u"scripted fault"};
-        bool deadFromThen = false;
-    };
-
-    Fault fault;
+    FakeOrganizer() : FaultyCalls(failure_number::kOrganizerFailed) {}
 
     /// An item as the organizer holds it; a series repeats from its start on.
     AppointmentFacts& add(TextView uid, Date start, TextView subject) {
@@ -167,16 +158,9 @@ public:
         return std::make_unique<Item>(*this, item->second);
     }
 
-protected:
-    void begin(TextView operation) const {
-        calls.emplace_back(operation);
-        if (fault.call != 0 &&
-            (calls.size() == fault.call || (fault.deadFromThen && calls.size() > fault.call))) {
-            throw fault.failure;
-        }
-    }
-
 private:
+    void begin(TextView operation) const { note(Text(operation)); }
+
     class Item : public AppointmentItem {
     public:
         Item(FakeOrganizer& store, AppointmentFacts facts)
@@ -206,11 +190,13 @@ private:
             facts_.SeriesStart = facts_.Start;
             facts_.SeriesEnd = facts_.End;
             store_.items[facts_.EntryID] = facts_;
+            store_.answer();
         }
 
         void Delete() override {
             store_.begin(u"Delete");
             store_.items.erase(facts_.EntryID);
+            store_.answer();
         }
 
     private:

@@ -8,6 +8,7 @@
 #include "core/ports/phone_server.h"
 #include "core/state.h"
 #include "core/trap.h"
+#include "support/faulty_calls.h"
 
 #include <algorithm>
 #include <map>
@@ -19,7 +20,7 @@
 
 namespace tandolin::testing {
 
-class FakePhone : public PhoneServer {
+class FakePhone : public PhoneServer, public FaultyCalls {
 public:
     /// The objects by path in lower case ("\telecom\cal\17.vcs"); a status file that stands here is
     /// told as it is, others are computed.
@@ -27,22 +28,14 @@ public:
     std::map<Text, int> maximumRecords{{Text(kCalendar), 500}, {Text(kPhoneBook), 500}};
     std::map<Text, int> lastUsed;
 
-    /// Every call so far ("PXDDelete \telecom\cal\17.vcs"), the failing one included.
-    std::vector<Text> calls;
-
-    /// From 1: this call fails, and with `deadFromThen` every later one too. 0 is no fault.
-    struct Fault {
-        std::size_t call = 0;
-        Failure failure{failure_number::kServerFailed, u"scripted fault"};
-        bool deadFromThen = false;
-    };
-
-    Fault fault;
-
     static constexpr TextView kCalendar = u"\\telecom\\cal\\";
     static constexpr TextView kPhoneBook = u"\\telecom\\pb\\";
 
-    FakePhone() { files[u"\\telecom\\devinfo.txt"] = "MANU:FAKE\r\nMOD:F1\r\n"; }
+    static Text extensionOf(TextView directory) { return directory == kCalendar ? u"vcs" : u"vcf"; }
+
+    FakePhone() : FaultyCalls(failure_number::kServerFailed) {
+        files[u"\\telecom\\devinfo.txt"] = "MANU:FAKE\r\nMOD:F1\r\n";
+    }
 
     void PXDDelete(TextView path) override {
         begin(u"PXDDelete", path);
@@ -54,6 +47,7 @@ public:
             deleted_[key] = file->second;
             files.erase(file);
         }
+        answer();
     }
 
     std::vector<Text> PXDList(TextView pathWithPattern, int /*flags*/) override {
@@ -108,6 +102,7 @@ public:
         files[key] = stream.bytes;
         lastUsed[directory] = number;
         deleted_.erase(key);
+        answer();
     }
 
     bool restoreDeleted(TextView path) override {
@@ -169,11 +164,7 @@ private:
     };
 
     void begin(TextView operation, TextView path) {
-        calls.push_back(Text(operation) + u' ' + Text(path));
-        if (fault.call != 0 &&
-            (calls.size() == fault.call || (fault.deadFromThen && calls.size() > fault.call))) {
-            throw fault.failure;
-        }
+        note(Text(operation) + u' ' + Text(path));
         if (path.find(u'/') != TextView::npos || path.find(u"..") != TextView::npos) {
             refuse();
         }
@@ -192,8 +183,6 @@ private:
     }
 
     static Text directoryOf(const Text& key) { return key.substr(0, key.rfind(u'\\') + 1); }
-
-    static Text extensionOf(TextView directory) { return directory == kCalendar ? u"vcs" : u"vcf"; }
 
     static bool isObject(const Text& key) {
         const Text directory = directoryOf(key);

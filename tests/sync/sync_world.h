@@ -102,6 +102,53 @@ inline std::string lineOf(const std::string& key, char kind, Date start, const s
            toUtf8(isoTime(start)).substr(0, 5) + ' ' + text + (rule.empty() ? "" : " |" + rule);
 }
 
+/// What an object of the phone says.
+struct Told {
+    char kind = 'M';
+    Date start;
+    Date end;
+    std::string text;
+    std::string rule; ///< as in the object
+    std::string alarm;
+
+    friend bool operator==(const Told&, const Told&) = default;
+
+    [[nodiscard]] bool isSeries() const { return !rule.empty(); }
+
+    [[nodiscard]] std::string line() const { return lineOf("", kind, start, text, rule); }
+};
+
+inline Date dateOfObject(const std::string& value) {
+    const auto part = [&](std::size_t from, std::size_t length) {
+        return std::stoi(value.substr(from, length));
+    };
+    return value.empty() ? Date{0}
+                         : at(part(0, 4), part(4, 2), part(6, 2), part(9, 2), part(11, 2));
+}
+
+inline Told toldBy(const std::string& object) {
+    const auto kind = std::ranges::find(kKinds, propertyOf(object, "CATEGORIES"),
+                                        [](const NamedKind& k) { return std::string(k.category); });
+    return {.kind = kind == kKinds.end() ? '?' : kind->letter,
+            .start = dateOfObject(propertyOf(object, "DTSTART")),
+            .end = dateOfObject(propertyOf(object, "DTEND")),
+            .text = propertyOf(object, "DESCRIPTION"),
+            .rule = propertyOf(object, "RRULE"),
+            .alarm = propertyOf(object, "AALARM")};
+}
+
+/// How an item repeats, empty for a single one.
+inline std::string ruleOf(const AppointmentFacts& item) {
+    const auto rule = std::ranges::find(kRules, item.Pattern.RecurrenceType,
+                                        [](const auto& named) { return named.second; });
+    return item.IsRecurring ? rule->first : "";
+}
+
+inline std::string lineOfItem(const AppointmentFacts& item) {
+    return lineOf(toUtf8(item.EntryID), item.MeetingStatus == 1 ? 'B' : 'M', item.Start,
+                  toUtf8(item.Subject), ruleOf(item));
+}
+
 struct SyncWorld : FreshProgram {
     FakePhone phone;
     FakeOrganizer organizer;
@@ -143,28 +190,22 @@ struct SyncWorld : FreshProgram {
         SilentAutoSyncvCal();
     }
 
-    [[nodiscard]] Lines onPhone() const {
-        std::map<int, std::string> byNumber;
+    /// The phone's objects of one kind, by number.
+    [[nodiscard]] std::map<int, std::string> objectsIn(TextView directory) const {
+        std::map<int, std::string> objects;
         for (const auto& [path, bytes] : phone.files) {
-            if (!path.starts_with(FakePhone::kCalendar) || !path.ends_with(u".vcs")) {
-                continue;
+            if (path.starts_with(directory) &&
+                path.ends_with(u'.' + FakePhone::extensionOf(directory))) {
+                objects[static_cast<int>(leadingNumber(path.substr(directory.size())))] = bytes;
             }
-            const auto number = static_cast<int>(leadingNumber(path.substr(13)));
-            const std::string start = propertyOf(bytes, "DTSTART");
-            const auto part = [&](std::size_t from, std::size_t length) {
-                return std::stoi(start.substr(from, length));
-            };
-            const auto kind = std::ranges::find_if(kKinds, [&](const NamedKind& k) {
-                return propertyOf(bytes, "CATEGORIES") == k.category;
-            });
-            byNumber[number] =
-                lineOf(std::to_string(number), kind->letter,
-                       at(part(0, 4), part(4, 2), part(6, 2), part(9, 2), part(11, 2)),
-                       propertyOf(bytes, "DESCRIPTION"), propertyOf(bytes, "RRULE"));
         }
+        return objects;
+    }
+
+    [[nodiscard]] Lines onPhone() const {
         Lines lines;
-        for (const auto& [number, line] : byNumber) {
-            lines.push_back(line);
+        for (const auto& [number, bytes] : objectsIn(FakePhone::kCalendar)) {
+            lines.push_back(std::to_string(number) + toldBy(bytes).line());
         }
         return lines;
     }
@@ -172,11 +213,7 @@ struct SyncWorld : FreshProgram {
     [[nodiscard]] Lines inOrganizer() const {
         Lines lines;
         for (const auto& [uid, item] : organizer.items) {
-            const auto rule = std::ranges::find_if(kRules, [&](const auto& named) {
-                return named.second == item.Pattern.RecurrenceType;
-            });
-            lines.push_back(lineOf(toUtf8(uid), item.MeetingStatus == 1 ? 'B' : 'M', item.Start,
-                                   toUtf8(item.Subject), item.IsRecurring ? rule->first : ""));
+            lines.push_back(lineOfItem(item));
         }
         return lines;
     }

@@ -1,13 +1,24 @@
 #pragma once
 
-// What may happen to the two sides, told from the rules alone: of an AutoSync by counting entries
-// of one class on both sides, of the user's acts by what was asked for and has not happened yet.
+// What may happen to the calendars of the two sides, told from the rules alone: of an AutoSync by
+// counting entries of one class on both sides, of the user's acts by what was asked for.
 
-#include "organizer/clear_organizer.h"
+#include "organizer/calendar_writing.h"
+#include "phone/phone_writing.h"
 #include "property/machine_queue.h"
-#include "sync/status_arrays.h"
 
 namespace tandolin::testing {
+
+using Holdings = Sides<AppointmentFacts>;
+
+inline bool sameFacts(const AppointmentFacts& a, const AppointmentFacts& b) {
+    const auto facts = [](const AppointmentFacts& f) {
+        return std::tie(f.EntryID, f.Subject, f.Start, f.End, f.MeetingStatus, f.AllDayEvent,
+                        f.ReminderSet, f.ReminderMinutesBeforeStart, f.IsRecurring,
+                        f.Details.Exceptions, f.Details.Occurrences, f.File);
+    };
+    return facts(a) == facts(b) && (!a.IsRecurring || a.Pattern == b.Pattern);
+}
 
 /// Entries of one class can stand for each other: same start, rule, text as the phone holds it, and
 /// both meetings or neither.
@@ -25,10 +36,9 @@ inline std::string classOf(const std::string& object) {
 }
 
 inline std::string classOf(const AppointmentFacts& item) {
-    const auto rule = std::ranges::find(kRules, item.Pattern.RecurrenceType,
-                                        [](const auto& named) { return named.second; });
+    const std::string rule = ruleOf(item);
     return classOf(item.Start, item.MeetingStatus == 1,
-                   item.IsRecurring ? static_cast<char>(std::toupper(rule->first[0])) : '-',
+                   rule.empty() ? '-' : static_cast<char>(std::toupper(rule.front())),
                    toUtf8(item.Subject));
 }
 
@@ -41,11 +51,6 @@ std::map<std::string, int> countClasses(const Side& side) {
     return counts;
 }
 
-inline int countOf(const std::map<std::string, int>& counts, const std::string& key) {
-    const auto count = counts.find(key);
-    return count == counts.end() ? 0 : count->second;
-}
-
 /// What one AutoSync was asked for.
 struct SyncPlan {
     std::int16_t mode = 4;
@@ -54,30 +59,12 @@ struct SyncPlan {
     int organizerRows = 0; ///< at most so many of the organizer's entries are worked on
 
     /// How many entries mode 1 may take from the phone to make room.
-    [[nodiscard]] int mayRemove(int onPhone) const {
+    [[nodiscard]] int mayRemove(const Holdings& now) const {
+        const int onPhone = static_cast<int>(now.phone.size());
         const int missing = std::min(organizerRows, room) + onPhone - room;
         return mode == 1 ? std::max(0, missing + std::max(0, onPhone - room)) : 0;
     }
 };
-
-/// Nothing of the organizer goes or changes; of the phone only what mode 1 may remove.
-inline void requireKept(const SyncPlan& plan, const Holdings& before, const Holdings& after) {
-    for (const auto& [uid, item] : before.organizer) {
-        const auto now = after.organizer.find(uid);
-        require(now != after.organizer.end(), "AutoSync removed the item " + lineOfItem(item));
-        require(sameFacts(now->second, item),
-                "AutoSync changed the item " + lineOfItem(item) + " to " + lineOfItem(now->second));
-    }
-    int place = 0;
-    for (const auto& [number, bytes] : before.phone) {
-        const auto now = after.phone.find(number);
-        const bool kept = now != after.phone.end() && now->second == bytes;
-        require(kept || place < plan.mayRemove(static_cast<int>(before.phone.size())),
-                "AutoSync removed or changed object " + std::to_string(number) + ' ' +
-                    toldBy(bytes).line());
-        ++place;
-    }
-}
 
 /// The number of a call is compared whole. An item that holds no more of it than fits another kind
 /// of entry is another one, although the class, made of so many characters, is the same.
@@ -93,33 +80,25 @@ inline int cutNumbers(const Holdings& now, const std::string& key) {
     return static_cast<int>(std::min(calls, items));
 }
 
-/// Copies go where the mode says, and no more than the other side has. `phoneExtra` and
-/// `organizerExtra` take what is one too many.
+/// Copies go where the mode says, and no more than the other side has.
 inline void requireNoMoreCopies(const SyncPlan& plan, const Holdings& before,
                                 const Holdings& after) {
-    const auto phoneBefore = countClasses(before.phone);
-    const auto organizerBefore = countClasses(before.organizer);
-    const bool toPhone = plan.mode != 3;
-    const bool toOrganizer = plan.mode >= 3;
-    for (const auto& [key, count] : countClasses(after.phone)) {
-        const int was = countOf(phoneBefore, key);
-        const int mayBe = std::max(was, countOf(organizerBefore, key));
-        require(count <= was || (toPhone && count <= mayBe + cutNumbers(before, key)),
-                "too many copies on the phone: " + key);
-    }
-    for (const auto& [key, count] : countClasses(after.organizer)) {
-        const int was = countOf(organizerBefore, key);
-        const int mayBe = std::max(was, countOf(phoneBefore, key));
-        require(count <= was || (toOrganizer && count <= mayBe + cutNumbers(before, key)),
-                "too many copies in the organizer: " + key);
-    }
-    require(std::ssize(after.phone) <=
-                std::max(std::ssize(before.phone), std::ptrdiff_t{plan.room}),
-            "more on the phone than it has room for");
+    auto phoneBefore = countClasses(before.phone);
+    auto organizerBefore = countClasses(before.organizer);
+    const auto check = [&](const auto& now, auto& own, auto& others, bool mayGrow,
+                           const char* where) {
+        for (const auto& [key, count] : countClasses(now)) {
+            const int mayBe = std::max(own[key], others[key]) + cutNumbers(before, key);
+            require(count <= own[key] || (mayGrow && count <= mayBe),
+                    std::string("too many copies ") + where + key);
+        }
+    };
+    check(after.phone, phoneBefore, organizerBefore, plan.mode != 3, "on the phone: ");
+    check(after.organizer, organizerBefore, phoneBefore, plan.mode >= 3, "in the organizer: ");
 }
 
 /// One thing that the user asked for, on one side.
-struct Wish : WishOfSide {
+struct CalendarWish : WishOfSide {
     Told told; ///< what the object is to say, or a new item
     std::optional<Text> subject;
     std::optional<Date> start;
@@ -131,7 +110,7 @@ struct Wish : WishOfSide {
     }
 
     /// The same entry is to be written in another way before it went out.
-    void join(const Wish& later) {
+    void join(const CalendarWish& later) {
         if (creation || later.onPhone) {
             told = later.told;
             alarmOfRow = later.alarmOfRow ? later.alarmOfRow : alarmOfRow;
@@ -172,34 +151,37 @@ struct Wish : WishOfSide {
 struct CalendarKind {
     using Layout = Calendar;
     using Facts = AppointmentFacts;
-    using Wish = testing::Wish;
+    using Wish = CalendarWish;
     static constexpr auto tag = cal::ChangeString;
     static constexpr std::int16_t view = 0;
+    static constexpr TextView directory = FakePhone::kCalendar;
+    static constexpr int fewest = 8; ///< room on a small phone
+    static constexpr int more = 12;
+    static constexpr auto& table = tables.RSCalendar;
+    static constexpr auto& queue = tables.RSCalendarSave;
+    static constexpr auto& onPhone = app.phone.vCalEntryCount;
+    static constexpr auto& inOrganizer = app.organizer.vCalPIMCount;
+    static constexpr auto readPhone = vCalReadMobile;
+    static constexpr bool (*readOrganizer)(Table<Calendar>&, bool) = vCalReadOutlook;
+    static constexpr auto send = SendSingleEntry;
+    static constexpr auto write = WriteOutlookEntry;
+    static constexpr auto clearPhone = vCalClearAfterMobileError;
+    static constexpr auto same = sameFacts;
 
-    static Table<Calendar>& table() { return tables.RSCalendar; }
-
-    static Table<Calendar>& queue() { return tables.RSCalendarSave; }
-
-    static int onPhone() { return app.phone.vCalEntryCount; }
-
-    static int inOrganizer() { return app.organizer.vCalPIMCount; }
-
-    static bool same(const Facts& a, const Facts& b) { return sameFacts(a, b); }
+    static const auto& items(const FakeOrganizer& organizer) { return organizer.items; }
 
     static std::string lineOf(const Facts& item) { return lineOfItem(item); }
 
-    static std::string wordsOf(const Table<Calendar>& row) {
-        return std::to_string(row[cal::SubType]) + ' ' + toUtf8(row[cal::UID]) + ' ' +
-               toUtf8(row[cal::Text]);
-    }
+    static std::string lineOf(const std::string& object) { return toldBy(object).line(); }
+
+    static std::string textOf(const Table<Calendar>& row) { return toUtf8(row[cal::Text]); }
 
     /// Does an entry that still waited to be made leave the queue without a removal?
     static bool forgetsNew(bool onPhone) { return !onPhone; }
 
-    /// As the window does behind a failed write.
-    static void clearBothSides(Table<Calendar>& table) {
-        vCalClearAfterMobileError(false);
-        ClearOutlookFromGrid(table, false);
+    static void leaveOrganizer(Table<Calendar>& row) {
+        row.set(cal::EntryType, CONST_ENTRY_vCAL_MOBILE);
+        row.set(cal::UID, u"");
     }
 };
 
