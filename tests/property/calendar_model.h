@@ -3,8 +3,6 @@
 // What may happen to the calendars of the two sides, told from the rules alone: of an AutoSync by
 // counting entries of one class on both sides, of the user's acts by what was asked for.
 
-#include "organizer/calendar_writing.h"
-#include "phone/phone_writing.h"
 #include "property/machine_queue.h"
 
 namespace tandolin::testing {
@@ -148,7 +146,7 @@ struct CalendarWish : WishOfSide {
 };
 
 /// The calendar's entries, for the user of either kind.
-struct CalendarKind {
+struct CalendarKind : Routines<Calendar> {
     using Layout = Calendar;
     using Facts = AppointmentFacts;
     using Wish = CalendarWish;
@@ -157,14 +155,8 @@ struct CalendarKind {
     static constexpr TextView directory = FakePhone::kCalendar;
     static constexpr int fewest = 8; ///< room on a small phone
     static constexpr int more = 12;
-    static constexpr auto& table = tables.RSCalendar;
-    static constexpr auto& queue = tables.RSCalendarSave;
-    static constexpr auto& onPhone = app.phone.vCalEntryCount;
-    static constexpr auto& inOrganizer = app.organizer.vCalPIMCount;
     static constexpr auto readPhone = vCalReadMobile;
     static constexpr bool (*readOrganizer)(Table<Calendar>&, bool) = vCalReadOutlook;
-    static constexpr auto send = SendSingleEntry;
-    static constexpr auto write = WriteOutlookEntry;
     static constexpr auto clearPhone = vCalClearAfterMobileError;
     static constexpr auto same = sameFacts;
 

@@ -74,13 +74,13 @@ struct ContactMachine : ContactUser {
             return;
         }
         const EntryLine entry(meeting());
-        Table<Calendar>& calendar = tables.RSCalendar;
-        vCalCreateNewRecord(calendar);
-        require(!readCalendarObject(calendar, fromUtf8(objectOf(entry))), "own object is not read");
-        calendar.set(cal::PIM, true);
-        calendar.set(cal::Mobile, false);
-        calendar.set(cal::EntryType, CONST_ENTRY_vCAL_PIM);
-        require(WriteOutlookEntry(calendar, true), "a meeting was not queued");
+        Table<Calendar>& rows = CalendarKind::table;
+        vCalCreateNewRecord(rows);
+        require(!readCalendarObject(rows, fromUtf8(objectOf(entry))), "own object is not read");
+        rows.set(cal::PIM, true);
+        rows.set(cal::Mobile, false);
+        rows.set(cal::EntryType, CONST_ENTRY_vCAL_PIM);
+        require(CalendarKind::write(rows, true), "a meeting was not queued");
         say("user adds a meeting");
         requireQueue();
     }

@@ -5,8 +5,6 @@
 
 #include "formats/contact_compares.h"
 #include "organizer/contact_reading.h"
-#include "organizer/contact_writing.h"
-#include "phone/contact_writing.h"
 #include "property/contact_world.h"
 #include "property/machine_queue.h"
 
@@ -220,7 +218,7 @@ struct ContactWish : WishOfSide {
 };
 
 /// The contacts, for the user of either kind.
-struct ContactKind {
+struct ContactKind : Routines<Contact> {
     using Layout = Contact;
     using Facts = ContactFacts;
     using Wish = ContactWish;
@@ -229,19 +227,12 @@ struct ContactKind {
     static constexpr TextView directory = FakePhone::kPhoneBook;
     static constexpr int fewest = 6;
     static constexpr int more = 8;
-    static constexpr auto& table = tables.RSContacts;
-    static constexpr auto& queue = tables.RSContactsSave;
-    static constexpr auto& onPhone = app.phone.vCardEntryCount;
-    static constexpr auto& inOrganizer = app.organizer.vCardPIMCount;
     static constexpr auto readPhone = vCardReadMobile;
     static constexpr bool (*readOrganizer)(Table<Contact>&, bool) = vCardReadOutlook;
-    static constexpr auto write = vCardWriteOutookEntry;
     static constexpr auto clearPhone = vCardClearAfterMobileError;
     static constexpr void (*leaveOrganizer)(Table<Contact>&) = tandolin::leaveOrganizer;
 
     static const auto& items(const FakeOrganizer& organizer) { return organizer.contacts.items; }
-
-    static bool send(Table<Contact>& row) { return SendSinglevCardEntry(row, true); }
 
     static bool same(const Facts& a, const Facts& b) { return a == b; }
 

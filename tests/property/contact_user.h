@@ -14,29 +14,26 @@ struct ContactUser : QueuedUser<ContactKind> {
     // Contacts made up at random, few enough to meet each other
 
     Text textFor(std::size_t place) {
-        static const std::array<std::vector<Text>, 5> kTexts{
-            {{u"Meier", u"MEIER", u"O'Neil", u"Meier;Sohn", u"Müller", u"",
-              u"Oberstudiendirektorin von", u"Oberstudiendirektorin vo"},
-             {u"Hans", u"hans", u"", u"Maximiliane-Friederike", u"Maximiliane-Frie"},
-             {u"", u"", u"", u"Verein", u"Handwerksbetriebe Nord"},
+        static const std::map<std::size_t, std::vector<Text>> kTexts{
+            {kLast,
+             {u"Meier", u"MEIER", u"O'Neil", u"Meier;Sohn", u"Müller", u"",
+              u"Oberstudiendirektorin von", u"Oberstudiendirektorin vo"}},
+            {kFirst, {u"Hans", u"hans", u"", u"Maximiliane-Friederike", u"Maximiliane-Frie"}},
+            {kCompany, {u"", u"", u"", u"Verein", u"Handwerksbetriebe Nord"}},
+            {kHome,
              {u"", u"", u"+49 30 123", u"+4930123", u"030/123",
-              u"+49 30 1234567890 1234567890 1234567890 12"},
-             {u"", u"", u"http://a.de", u"a.de"}}};
+              u"+49 30 1234567890 1234567890 1234567890 12"}},
+            {kUrl, {u"", u"", u"http://a.de", u"a.de"}}};
         switch (place) {
-        case kLast:
-        case kFirst:
-        case kCompany:
-            return dice.one(kTexts[place]);
-        case kHome:
         case kWork:
         case kFax:
-            return place == kHome || dice.once(4) ? dice.one(kTexts[3]) : Text();
+            return dice.once(4) ? dice.one(kTexts.at(kHome)) : Text();
         case kUrl:
-            return dice.once(3) ? dice.one(kTexts[4]) : Text();
+            return dice.once(3) ? dice.one(kTexts.at(kUrl)) : Text();
         case kCity:
             return dice.once(3) ? u"Bonn" : u"";
         default:
-            return {};
+            return kTexts.contains(place) ? dice.one(kTexts.at(place)) : Text();
         }
     }
 

@@ -4,11 +4,9 @@
 // editor do with a row, and what must hold behind it.
 
 #include "organizer/clear_organizer.h"
-#include "organizer/removal.h"
 #include "property/machine_wishes.h"
-#include "store/common_fields.h"
 #include "sync/queue.h"
-#include "sync/transfer.h"
+#include "sync/queued_world.h"
 
 namespace tandolin::testing {
 

@@ -23,18 +23,7 @@ TEST_CASE("Every action of the user ends in its routine and on its side") {
 }
 
 TEST_CASE("The counters follow the queue, each entry once") {
-    QueueWorld world(kOnPhone, {"u1 M 2026-11-22 10:00 Andere"});
-    CHECK(app.phone.vCalEntryCount == 1);
-    CHECK(app.organizer.vCalPIMCount == 1);
-    world.select(u"Alt");
-    world.tickOrganizer();
-    world.tickOrganizer();
-    CHECK(app.organizer.vCalPIMCount == 2);
-    world.remove();
-    world.remove();
-    CHECK(app.organizer.vCalPIMCount == 1);
-    CHECK(app.phone.vCalEntryCount == 0);
-    CHECK(app.phone.vCalRead == kTrue);
+    checkCounts<QueueWorld>(kOnPhone, {"u1 M 2026-11-22 10:00 Andere"});
 }
 
 TEST_CASE("Keys that are made up collide with nothing") {

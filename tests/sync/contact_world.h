@@ -8,11 +8,9 @@
 
 #include "formats/contact_codec.h"
 #include "organizer/contact_reading.h"
-#include "organizer/contact_writing.h"
 #include "phone/phone_reading.h"
 #include "sync/contact_queue.h"
 #include "sync/queued_world.h"
-#include "sync/transfer.h"
 
 #include <sstream>
 
@@ -43,8 +41,7 @@ struct ContactWorld : QueuedWorld<Contact> {
     static constexpr TextView kEdited = u"2";
     static constexpr TextView kInBetween = u"9";
 
-    ContactWorld(const Lines& phoneLines, const Lines& organizerLines)
-        : QueuedWorld(tables.RSContacts, tables.RSContactsSave) {
+    ContactWorld(const Lines& phoneLines, const Lines& organizerLines) {
         put(phoneLines, organizerLines);
         app.settings.ActiveAPP = 1;
         app.organizer.GlobalContactFolder = FolderRecord{};
@@ -71,43 +68,14 @@ struct ContactWorld : QueuedWorld<Contact> {
         REQUIRE(SilentvCardReadOutlook(table));
     }
 
-    /// The table stands on the contact of this last name.
-    void select(TextView name) {
-        table.MoveFirst();
-        REQUIRE(table.Find(con::LastName, name));
-    }
+    static void openFolder() { contactItemsInUse(); }
 
-    bool send() { return SendSinglevCardEntry(table, true); }
-
-    void write() {
-        if (table[con::Mobile]) {
-            CHECK(send());
-        }
-        if (table[con::PIM]) {
-            CHECK(vCardWriteOutookEntry(table, false));
-        }
-    }
-
-    void setNumber(TextView number) {
+    void edit(TextView number) {
         table.beginEdit();
         table.set(con::Phone, number);
         table.set(con::PIMPhone, number);
         table.set(con::IsChanged, true);
-    }
-
-    void edit(TextView number) {
-        setNumber(number);
         write();
-    }
-
-    void tickOrganizer() {
-        table.set(con::PIM, true);
-        CHECK(vCardWriteOutookEntry(table, true));
-    }
-
-    void tickPhone() {
-        table.set(con::Mobile, true);
-        CHECK(send());
     }
 
     /// A new contact, as the editor fills it in.
@@ -119,48 +87,16 @@ struct ContactWorld : QueuedWorld<Contact> {
         copyToOrganizer();
         table.set(con::Mobile, onPhone);
         table.set(con::PIM, inOrganizer);
-        if (onPhone) {
-            CHECK(send());
-        }
-        if (inOrganizer) {
-            CHECK(vCardWriteOutookEntry(table, true));
-        }
-    }
-
-    bool transfer() { return TransfertoMobile(queue, tables.RSCalendarSave); }
-
-    /// A run as the next start would do it: whatever was in memory is forgotten.
-    void runOnce() {
-        app.settings.SaveTyp = 1;
-        app.run = {};
-        ClearRecordSet(table);
-        app.phone.vCardRead = kFalse;
-        app.phone.vCardEntryCount = 0;
-        app.organizer.vCardPIMRead = kFalse;
-        app.organizer.vCardPIMCount = 0;
-        LogInit();
-        PXDInfoAll(phoneServer(), app.phone.GlobalMobilePaths);
-        SilentAutoSyncvCard();
-        CHECK_FALSE(app.run.phoneFailed);
-        CHECK_FALSE(app.run.organizerFailed);
-        CHECK_FALSE(app.run.entriesFailed);
+        write(true);
     }
 
     [[nodiscard]] Lines onPhone() const {
-        std::map<std::int64_t, std::string> byNumber;
-        for (const auto& [path, bytes] : phone.files) {
-            if (path.starts_with(FakePhone::kPhoneBook) && path.ends_with(u".vcf")) {
-                const std::int64_t number =
-                    leadingNumber(path.substr(FakePhone::kPhoneBook.size()));
-                std::string name = propertyOf(bytes, "N");
-                std::ranges::replace(name, ';', ',');
-                byNumber[number] =
-                    std::to_string(number) + ' ' + name + ' ' + propertyOf(bytes, "TEL;HOME");
-            }
-        }
         Lines lines;
-        for (const auto& [number, line] : byNumber) {
-            lines.push_back(line);
+        for (const auto& [number, bytes] : objectsIn(FakePhone::kPhoneBook)) {
+            std::string name = propertyOf(bytes, "N");
+            std::ranges::replace(name, ';', ',');
+            lines.push_back(std::to_string(number) + ' ' + name + ' ' +
+                            propertyOf(bytes, "TEL;HOME"));
         }
         return lines;
     }

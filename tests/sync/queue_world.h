@@ -3,12 +3,10 @@
 // The calendars of a phone and an organizer that were read, and a user who changes entries.
 
 #include "organizer/calendar_reading.h"
-#include "organizer/calendar_writing.h"
 #include "phone/free_numbers.h"
 #include "phone/phone_reading.h"
 #include "sync/calendar_queue.h"
 #include "sync/queued_world.h"
-#include "sync/transfer.h"
 
 namespace tandolin::testing {
 
@@ -17,8 +15,7 @@ struct QueueWorld : QueuedWorld<Calendar> {
     static constexpr TextView kEdited = u"Neu";
     static constexpr TextView kInBetween = u"Zwischen";
 
-    QueueWorld(const Lines& phoneLines, const Lines& organizerLines)
-        : QueuedWorld(tables.RSCalendar, tables.RSCalendarSave) {
+    QueueWorld(const Lines& phoneLines, const Lines& organizerLines) {
         fill(phoneLines, organizerLines);
         app.sync.DateFrameFrom = app.sync.GlobalPeriodStart = at(2026, 11, 21);
         app.sync.DateFrameTo = app.sync.GlobalPeriodEnd = at(2026, 12, 31, 23, 59, 59);
@@ -27,19 +24,8 @@ struct QueueWorld : QueuedWorld<Calendar> {
         REQUIRE(SilentvCalReadOutlook(table));
     }
 
-    /// The table stands on the entry of this text.
-    void select(TextView text) {
-        table.MoveFirst();
-        REQUIRE(table.Find(cal::Text, text));
-    }
-
-    void write() {
-        if (table[cal::Mobile]) {
-            CHECK(SendSingleEntry(table));
-        }
-        if (table[cal::PIM]) {
-            CHECK(WriteOutlookEntry(table, false));
-        }
+    static void openFolder() {
+        app.organizer.calendarFolder = &app.organizer.MOL->GetDefaultCalendarFolder();
     }
 
     void edit(TextView text) {
@@ -51,20 +37,12 @@ struct QueueWorld : QueuedWorld<Calendar> {
         write();
     }
 
-    void tickOrganizer() {
-        table.set(cal::PIM, true);
-        CHECK(WriteOutlookEntry(table, true));
-    }
-
     void tickPhone() {
         const std::int32_t number = freeCalendarNumber();
-        table.set(cal::Mobile, true);
         table.set(cal::EntryID, decimal(number));
         table.set(cal::SubType, number);
-        CHECK(SendSingleEntry(table));
+        QueuedWorld::tickPhone();
     }
-
-    bool transfer() { return TransfertoMobile(tables.RSContactsSave, queue); }
 };
 
 } // namespace tandolin::testing

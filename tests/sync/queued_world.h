@@ -3,27 +3,104 @@
 // A phone and an organizer that were read, and a user whose changes wait for a transfer, of either
 // kind of entries. The steps are what grid and editor do with the row of an entry.
 
+#include "organizer/calendar_writing.h"
+#include "organizer/contact_writing.h"
 #include "organizer/removal.h"
 #include "phone/contact_writing.h"
 #include "phone/phone_writing.h"
 #include "store/common_fields.h"
 #include "sync/sync_world.h"
+#include "sync/transfer.h"
 #include "sync/transfer_table.h"
 
 #include <doctest/doctest.h>
 
 namespace tandolin::testing {
 
+/// The tables, counts and procedures of each kind, under one name each.
+template <class L>
+struct Routines;
+
+template <>
+struct Routines<Calendar> {
+    static constexpr auto& table = tables.RSCalendar;
+    static constexpr auto& queue = tables.RSCalendarSave;
+    static constexpr auto& onPhone = app.phone.vCalEntryCount;
+    static constexpr auto& inOrganizer = app.organizer.vCalPIMCount;
+    static constexpr auto& phoneRead = app.phone.vCalRead;
+    static constexpr auto name = cal::Text;
+    static constexpr auto send = SendSingleEntry;
+    static constexpr auto write = WriteOutlookEntry;
+    static constexpr auto sync = SilentAutoSyncvCal;
+};
+
+template <>
+struct Routines<Contact> {
+    static constexpr auto& table = tables.RSContacts;
+    static constexpr auto& queue = tables.RSContactsSave;
+    static constexpr auto& onPhone = app.phone.vCardEntryCount;
+    static constexpr auto& inOrganizer = app.organizer.vCardPIMCount;
+    static constexpr auto& phoneRead = app.phone.vCardRead;
+    static constexpr auto name = con::LastName;
+    static constexpr auto write = vCardWriteOutookEntry;
+    static constexpr auto sync = SilentAutoSyncvCard;
+
+    static bool send(Table<Contact>& row) { return SendSinglevCardEntry(row, true); }
+};
+
 template <class L>
 struct QueuedWorld : SyncWorld {
     using F = Common<L>;
+    using R = Routines<L>;
 
-    Table<L>& table;
-    Table<L>& queue;
+    Table<L>& table = R::table;
+    Table<L>& queue = R::queue;
 
-    QueuedWorld(Table<L>& rows, Table<L>& waiting) : table(rows), queue(waiting) {
+    QueuedWorld() {
         app.settings.SaveTyp = 2;
         app.phone.MobileConnected = kTrue;
+    }
+
+    /// The table stands on the entry of this text, or the contact of this last name.
+    void select(TextView name) {
+        table.MoveFirst();
+        REQUIRE(table.Find(R::name, name));
+    }
+
+    /// The row goes to each side that it is on.
+    void write(bool isNew = false) {
+        if (table[F::Mobile]) {
+            CHECK(R::send(table));
+        }
+        if (table[F::PIM]) {
+            CHECK(R::write(table, isNew));
+        }
+    }
+
+    void tickOrganizer() {
+        table.set(F::PIM, true);
+        CHECK(R::write(table, true));
+    }
+
+    void tickPhone() {
+        table.set(F::Mobile, true);
+        CHECK(R::send(table));
+    }
+
+    bool transfer() { return TransfertoMobile(tables.RSContactsSave, tables.RSCalendarSave); }
+
+    /// A run as the next start would do it: whatever was in memory is forgotten.
+    void runOnce() {
+        app.settings.SaveTyp = 1;
+        ClearRecordSet(table);
+        app.phone.vCalRead = app.phone.vCardRead = kFalse;
+        app.organizer.vCalPIMRead = app.organizer.vCardPIMRead = kFalse;
+        app.phone.vCardEntryCount = 0;
+        app.organizer.vCardPIMCount = 0;
+        run(R::sync);
+        CHECK_FALSE(app.run.phoneFailed);
+        CHECK_FALSE(app.run.organizerFailed);
+        CHECK_FALSE(app.run.entriesFailed);
     }
 
     bool removeFromOrganizer() {
@@ -183,6 +260,24 @@ void checkActions(const std::vector<UserAction<World>>& actions) {
         CHECK_FALSE((left && world.table[World::F::IsChanged]));
         CHECK_FALSE((left && world.table.isEdited()));
     }
+}
+
+/// The counts follow the queue, each entry once; `others` is another entry of the organizer.
+template <class World>
+void checkCounts(const Lines& onPhone, const Lines& others) {
+    using R = typename World::R;
+    World world(onPhone, others);
+    CHECK(R::onPhone == 1);
+    CHECK(R::inOrganizer == 1);
+    world.select(World::kEntry);
+    world.tickOrganizer();
+    world.tickOrganizer();
+    CHECK(R::inOrganizer == 2);
+    world.remove();
+    world.remove();
+    CHECK(R::inOrganizer == 1);
+    CHECK(R::onPhone == 0);
+    CHECK(R::phoneRead == kTrue);
 }
 
 } // namespace tandolin::testing

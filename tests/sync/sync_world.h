@@ -181,13 +181,13 @@ struct SyncWorld : FreshProgram {
     }
 
     /// One run as it begins after the start: the status files are read, the counters known.
-    void run() {
+    void run(void (*sync)() = SilentAutoSyncvCal) {
         const std::int64_t maxRemove = app.run.maxRemove;
         app.run = {};
         app.run.maxRemove = maxRemove;
         LogInit();
         PXDInfoAll(phoneServer(), app.phone.GlobalMobilePaths);
-        SilentAutoSyncvCal();
+        sync();
     }
 
     /// The phone's objects of one kind, by number.
