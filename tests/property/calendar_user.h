@@ -204,8 +204,7 @@ struct CalendarUser : QueuedUser<CalendarKind> {
                 return;
             }
         }
-        tickBoth();
-        makeOn(toPhone, before, wishFor(toPhone, told, true));
+        tickSide(before, wishFor(toPhone, told, true));
     }
 };
 

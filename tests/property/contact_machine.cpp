@@ -54,8 +54,8 @@ struct ContactMachine : ContactUser {
         return "organizer gets " + ContactKind::lineOf(facts);
     }
 
-    std::string changeOrganizer() {
-        return changeOneOf(organizer.contacts.items, [&](ContactFacts& facts) {
+    void changeOrganizer() {
+        changeOneOf(organizer.contacts.items, [&](ContactFacts& facts) {
             fill(facts);
             return cardOf(facts).line();
         });
@@ -84,6 +84,8 @@ struct ContactMachine : ContactUser {
         say("user adds a meeting");
         requireQueue();
     }
+
+    void actOnMeetings() { dice.once(2) ? queueMeeting() : sendMeetings(); }
 
     void sendMeetings() {
         heal();
@@ -197,27 +199,16 @@ struct ContactMachine : ContactUser {
     }
 
     void step() {
+        using M = ContactMachine;
+        // clang-format off
+        static constexpr std::array<void (M::*)(), 13> kSteps{
+            &M::changePhoneIfFree, &M::changeOrganizer, &M::changeOrganizer,
+            &M::sync, &M::sync, &M::transferBesideCalendar, &M::switchSaving,
+            &M::readWithFault, &M::actOnMeetings,
+            &M::userAct, &M::userAct, &M::userAct, &M::userAct};
+        // clang-format on
         beginStep();
-        switch (dice.upTo(12)) {
-        case 0:
-            return changePhoneIfFree();
-        case 1:
-        case 2:
-            return say(changeOrganizer());
-        case 3:
-        case 4:
-            return sync();
-        case 5:
-            return transferBesideCalendar();
-        case 6:
-            return switchSaving();
-        case 7:
-            return readWithFault();
-        case 8:
-            return dice.once(2) ? queueMeeting() : sendMeetings();
-        default:
-            userAct();
-        }
+        (this->*dice.one(kSteps))();
     }
 };
 

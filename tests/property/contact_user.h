@@ -156,8 +156,7 @@ struct ContactUser : QueuedUser<ContactKind> {
         }
         const People before = now();
         sayRow("ticks");
-        tickBoth();
-        makeOn(toPhone, before, newFor(toPhone));
+        tickSide(before, newFor(toPhone));
     }
 };
 

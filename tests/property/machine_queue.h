@@ -35,7 +35,7 @@ struct QueuedUser : MachineWorld {
 
     // Rows
 
-    /// What the current row would be written as; a new one is not told from others yet.
+    /// What a write of the current row asks for; whether it creates an entry the act says.
     virtual Wish wishFor(bool onPhone) = 0;
 
     int tagOfRow() {
@@ -202,16 +202,13 @@ struct QueuedUser : MachineWorld {
     }
 
     /// The user ticks the side that the entry is not on.
-    void makeOn(bool onPhone, const Now& before, const Wish& wish) {
-        Wishes asked;
-        const bool done = onPhone ? send(asked, wish) : write(asked, wish);
-        settle(before, done, asked);
-    }
-
-    void tickBoth() {
+    void tickSide(const Now& before, const Wish& wish) {
         table.set(F::PIM, true);
         table.set(F::Mobile, true);
         table.set(F::EntryType, CONST_ENTRY_vCAL_BOTH);
+        Wishes asked;
+        const bool done = wish.onPhone ? send(asked, wish) : write(asked, wish);
+        settle(before, done, asked);
     }
 
     void remove() {

@@ -203,17 +203,17 @@ struct MachineWorld : SyncWorld {
 
     /// One of the organizer's `all` goes or is changed, or another one joins them.
     template <class Items, class Change>
-    std::string changeOneOf(Items& all, Change change) {
+    void changeOneOf(Items& all, Change change) {
         if (all.empty() || dice.once(2)) {
-            return addItem();
+            return say(addItem());
         }
         auto& [uid, facts] = dice.one(all);
         const std::string name = toUtf8(uid);
         if (dice.once(2)) {
             all.erase(all.find(uid));
-            return "organizer loses " + name;
+            return say("organizer loses " + name);
         }
-        return "organizer changes " + name + ' ' + change(facts);
+        say("organizer changes " + name + ' ' + change(facts));
     }
 
     // AutoSync

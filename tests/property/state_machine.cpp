@@ -43,8 +43,8 @@ struct Machine : CalendarUser {
         return "organizer gets u" + std::to_string(items) + ' ' + what;
     }
 
-    std::string changeOrganizer() {
-        return changeOneOf(organizer.items, [&](AppointmentFacts& item) {
+    void changeOrganizer() {
+        changeOneOf(organizer.items, [&](AppointmentFacts& item) {
             item.Subject = fromUtf8(text('M'));
             return lineOfItem(item);
         });
@@ -138,12 +138,19 @@ struct Machine : CalendarUser {
         if (plan.room < 500 || app.settings.SyncTermine != 32 || plan.frame == 1) {
             return;
         }
+        // A phone call holds the digits alone.
+        const auto heldInOtherWords = [&](const AppointmentFacts& item) {
+            return std::ranges::any_of(after.phone, [&](const auto& object) {
+                const Told told = toldBy(object.second);
+                return told.kind == 'C' && told.start == item.Start;
+            });
+        };
         const auto onPhone = countClasses(after.phone);
         const auto inOrganizer = countClasses(after.organizer);
         if (plan.mode != 3) {
             for (const Text& uid : inFrame()) {
                 const AppointmentFacts& item = after.organizer.at(uid);
-                require(onPhone.contains(classOf(item)) || heldInOtherWords(after, item),
+                require(onPhone.contains(classOf(item)) || heldInOtherWords(item),
                         "not sent: " + lineOfItem(item));
             }
         } else {
@@ -152,14 +159,6 @@ struct Machine : CalendarUser {
                         "not created: " + toldBy(bytes).line());
             }
         }
-    }
-
-    /// A phone call holds the digits alone.
-    static bool heldInOtherWords(const Holdings& now, const AppointmentFacts& item) {
-        return std::ranges::any_of(now.phone, [&](const auto& object) {
-            const Told told = toldBy(object.second);
-            return told.kind == 'C' && told.start == item.Start;
-        });
     }
 
     // The driver
@@ -204,26 +203,15 @@ struct Machine : CalendarUser {
     }
 
     void step() {
+        using M = Machine;
+        // clang-format off
+        static constexpr std::array<void (M::*)(), 13> kSteps{
+            &M::changePhoneIfFree, &M::changeOrganizer, &M::changeOrganizer,
+            &M::sync, &M::sync, &M::sync, &M::transferWithFault, &M::switchSaving, &M::autodelete,
+            &M::userAct, &M::userAct, &M::userAct, &M::userAct};
+        // clang-format on
         beginStep();
-        switch (dice.upTo(12)) {
-        case 0:
-            return changePhoneIfFree();
-        case 1:
-        case 2:
-            return say(changeOrganizer());
-        case 3:
-        case 4:
-        case 5:
-            return sync();
-        case 6:
-            return transferWithFault();
-        case 7:
-            return switchSaving();
-        case 8:
-            return autodelete();
-        default:
-            userAct();
-        }
+        (this->*dice.one(kSteps))();
     }
 };
 
