@@ -5,7 +5,7 @@
 
 #include "core/state.h"
 #include "store/tables.h"
-#include "support/printing.h"
+#include "support/fixed_clock.h"
 
 #include <deque>
 #include <map>
@@ -82,12 +82,6 @@ struct ScriptedScreen : MessageBoxes, StatusView, MainWindow {
     void TDLInitForm(bool) override {}
 
     void focusMain() override {}
-};
-
-struct FixedClock : Clock {
-    Date moment = at(2026, 11, 21, 10, 0);
-
-    [[nodiscard]] Date now() const override { return moment; }
 };
 
 struct GermanLocale : UserLocale {

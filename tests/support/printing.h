@@ -8,6 +8,9 @@
 
 #include <doctest/doctest.h>
 
+#include <array>
+#include <tuple>
+
 namespace doctest {
 
 /// The name of a case, which would be shown as an address.
