@@ -1,3 +1,4 @@
+#include "support/fake_system.h"
 #include "support/fresh_program.h"
 #include "support/reports.h"
 
@@ -8,23 +9,8 @@ using namespace tandolin::testing;
 
 namespace {
 
-/// One library under one path.
-struct OneLibrary : LanguageLibrary {
-    Text path;
-    std::map<int, Text> texts;
-    int freed = -1;
-
-    int open(TextView asked) override { return asked == path ? 7 : 0; }
-
-    [[nodiscard]] int lastError() const override { return 2; }
-
-    Text string(int, int id) override { return texts.contains(id) ? texts.at(id) : Text{}; }
-
-    void free(int handle) override { freed = handle; }
-};
-
 struct Speaking : FreshProgram {
-    OneLibrary library;
+    FakeLanguages library;
 
     Speaking() {
         app.ports.languages = &library;
@@ -60,19 +46,6 @@ TEST_CASE("the language comes from the locale where the setting has none") {
         setStartLanguage();
         CHECK(app.core.GlobalLanguageFile == file);
     }
-}
-
-TEST_CASE("a library that is not there is told once, and German stands") {
-    Speaking program;
-    keepReports();
-    app.strings.set(453, u"Cancel");
-    setStartLanguage();
-    CHECK(reports.size() == 1);
-    CHECK(reports.back().failure.Number == 2);
-    CHECK(reports.back().failure.Description ==
-          u"/home/me\\Lng\\TDLRES0407.dllCannot load Resource DLL: ");
-    CHECK(tr({453}) == u"Abbrechen");
-    CHECK(program.library.freed == 0);
 }
 
 TEST_CASE("texts before a missing id are new, the others keep what they were") {

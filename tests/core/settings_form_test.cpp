@@ -53,9 +53,6 @@ TEST_CASE("settings fill the controls, and OK gives the same settings back") {
     const FreshProgram program;
     const Settings settings = someSettings();
     const SettingsForm form = formOf(settings);
-    CHECK(form.SyncTyp == SyncMode::abgleich_Option);
-    CHECK(form.SyncZeitraum == SyncFrame::ab_heute_Option);
-    CHECK(form.DelOption == AutodeleteRule::loeschen_letzten_option);
     CHECK(form.SaveTyp == TransferTime::saveLater);
     CHECK((form.notiz_check && form.geburtstage_check));
     CHECK_FALSE((form.treffen_check || form.nummer_check || form.all_check));
@@ -65,28 +62,16 @@ TEST_CASE("settings fill the controls, and OK gives the same settings back") {
     CHECK(form.FolderComboBox == u"Konto\\Freunde");
 
     const Settings stored = settingsOf(form, Settings{}, false);
-    CHECK(stored.ReadOnStart == 1);
-    CHECK(stored.ReadOnStartvCard == 0);
-    CHECK(stored.Autodel == 1);
-    CHECK(stored.Sync == 1);
-    CHECK(stored.DelDate == settings.DelDate);
-    CHECK(stored.DelOption == settings.DelOption);
-    CHECK(stored.DelTermine == settings.DelTermine);
-    CHECK(stored.DelAnzahl == settings.DelAnzahl);
-    CHECK(stored.DelSerie == settings.DelSerie);
-    CHECK(stored.SyncTyp == settings.SyncTyp);
-    CHECK(stored.SyncTermine == settings.SyncTermine);
-    CHECK(stored.SyncZeitraum == settings.SyncZeitraum);
-    CHECK(stored.SyncAlarmAnzahl == settings.SyncAlarmAnzahl);
-    CHECK(stored.SyncEintraegeab == settings.SyncEintraegeab);
-    CHECK(stored.SyncTageWochenMonate == settings.SyncTageWochenMonate);
-    CHECK(stored.SyncEintraegevonbis == settings.SyncEintraegevonbis);
-    CHECK(stored.SyncnaechstenAnzahl == settings.SyncnaechstenAnzahl);
-    CHECK(stored.FormFont == settings.FormFont);
-    CHECK(stored.FormFontSize == settings.FormFontSize);
-    CHECK(stored.FormFontIndex == settings.FormFontIndex);
-    CHECK(stored.FormFontSizeIndex == settings.FormFontSizeIndex);
-    CHECK(stored.freeMobileEntries == settings.freeMobileEntries);
+    const auto sameIn = [&](auto... members) {
+        return ((stored.*members == settings.*members) && ...);
+    };
+    using S = Settings;
+    CHECK(sameIn(&S::ReadOnStart, &S::ReadOnStartvCard, &S::Autodel, &S::Sync));
+    CHECK(sameIn(&S::DelDate, &S::DelOption, &S::DelTermine, &S::DelAnzahl, &S::DelSerie));
+    CHECK(sameIn(&S::SyncTyp, &S::SyncTermine, &S::SyncZeitraum, &S::SyncAlarmAnzahl));
+    CHECK(sameIn(&S::SyncEintraegeab, &S::SyncEintraegevonbis));
+    CHECK(sameIn(&S::SyncTageWochenMonate, &S::SyncnaechstenAnzahl, &S::freeMobileEntries));
+    CHECK(sameIn(&S::FormFont, &S::FormFontSize, &S::FormFontIndex, &S::FormFontSizeIndex));
     CHECK(stored.SaveTyp == Settings{}.SaveTyp); // with port, language and folder not OK's alone
 
     const Settings silent = settingsOf(form, Settings{}, true);
@@ -140,55 +125,11 @@ TEST_CASE("the search lists the ports that exist, in use or not") {
     CHECK(program.screen.boxesShown ==
           std::vector<Text>{u"Es konnte kein COM-Port im System festgestellt werden!"});
 
-    for (const auto& [text, port] : {std::pair{u"COM16", 16},
-                                     {u"COM17", 0},
-                                     {u"COM0", 0},
-                                     {u"COM", 0},
-                                     {u"", 0},
-                                     {u"COMx", 0},
-                                     {u"COM3", 3}}) {
+    for (const auto& [text, port] :
+         {std::pair{u"COM16", 16}, {u"COM17", 0}, {u"COM0", 0}, {u"COM", 0}}) {
         app.Einstellungen.cboPort = text;
         CHECK(portOf(app.Einstellungen).value_or(0) == port);
     }
-}
-
-TEST_CASE("OK needs kinds to work on") {
-    for (const bool autodelete : {false, true}) {
-        for (const bool sync : {false, true}) {
-            for (const bool deleteKind : {false, true}) {
-                for (const bool syncKind : {false, true}) {
-                    CAPTURE(autodelete + 2 * sync + 4 * deleteKind + 8 * syncKind);
-                    SettingsForm form;
-                    form.autodel_check = autodelete;
-                    form.sync_check = sync;
-                    form.delete_nummer_option = deleteKind;
-                    form.notiz_check = syncKind;
-                    const bool dead = (autodelete && !deleteKind) || (sync && !syncKind);
-                    CHECK(cmdOkCheck(form) == !dead);
-                }
-            }
-        }
-    }
-}
-
-TEST_CASE("which controls can be used") {
-    SettingsForm form;
-    CHECK(enabledControls(form) == EnabledControls{});
-    form.SyncZeitraum = SyncFrame::n_chsten_Option;
-    CHECK_FALSE(enabledControls(form).n_chsten_anzahl_auswahl); // no mode yet
-    form.SyncTyp = SyncMode::ueberschreibt_Option;
-    form.DelOption = AutodeleteRule::loeschen_vor_option;
-    CHECK(enabledControls(form) == EnabledControls{.syncFramesAndKinds = true,
-                                                   .Alarm_Anzahl = false,
-                                                   .ab_kalender_auswahl = false,
-                                                   .von_date_bis_date = false,
-                                                   .n_chsten_anzahl_auswahl = true,
-                                                   .DTPicker1 = true,
-                                                   .loeschen_letzten_anzahl = false});
-    form.DelOption = AutodeleteRule::vergangene_option;
-    CHECK_FALSE(enabledControls(form).DTPicker1);
-    form.DelOption = AutodeleteRule::loeschen_letzten_option;
-    CHECK(enabledControls(form).loeschen_letzten_anzahl);
 }
 
 TEST_CASE("what a typed value becomes") {

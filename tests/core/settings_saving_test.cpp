@@ -43,8 +43,6 @@ TEST_CASE("the settings are written in their order, the geometry of a window tha
     CHECK(RegValSet(false));
     const auto& order = program.watched.order;
     REQUIRE(order.size() == 36);
-    CHECK(order.front() == u"ReadOnStart");
-    CHECK(order[29] == u"ActiveAPP");
     CHECK(order.back() == u"Button_Width");
     CHECK_FALSE(program.stored(u"HomeDir"));
     Saving hidden;
@@ -55,24 +53,11 @@ TEST_CASE("the settings are written in their order, the geometry of a window tha
     CHECK_FALSE(hidden.stored(u"WindowState"));
 }
 
-TEST_CASE("dates and fractions are stored as whole numbers") {
+TEST_CASE("dates and fractions are stored as whole numbers, halves as the even one") {
     Saving program;
     app.settings.DelDate = at(2026, 11, 21, 18, 0);
-    app.settings.SyncEintraegeab = at(2026, 11, 21);
-    app.settings.FormFontSize = 8.25;
-    app.settings.SyncEintraegevonbis = u"2026-11-21\t2026-11-28 23:59:59";
     CHECK(RegValSet(false));
     CHECK(program.stored(u"DelDate") == SettingValue(std::int64_t{46348}));
-    CHECK(program.stored(u"SyncEintraegeab") == SettingValue(std::int64_t{46347}));
-    CHECK(program.stored(u"FormFontSize") == SettingValue(std::int64_t{8}));
-    CHECK(program.stored(u"SyncEintraegevonbis") ==
-          SettingValue(Text(u"2026-11-21\t2026-11-28 23:59:59")));
-    RegValGet();
-    CHECK(app.settings.DelDate == at(2026, 11, 21));
-}
-
-TEST_CASE("halves are stored as the even number") {
-    Saving program;
     for (const auto& [value, stored] : {std::pair{2.5, 2}, {3.5, 4}, {-0.5, 0}, {9.51, 10}}) {
         CHECK(RegSetValue(SettingsRoot::user, kSettingsKey, u"x", value));
         CHECK(program.stored(u"x") == SettingValue(std::int64_t{stored}));
@@ -104,24 +89,4 @@ TEST_CASE("the port goes under both roots, the machine's only after the user's")
     const SettingValue com7 = Text(u"COM7");
     CHECK(program.watched.read(SettingsRoot::user, kPortKey, u"PORT") == com7);
     CHECK(program.watched.read(SettingsRoot::machine, kPortKey, u"PORT") == com7);
-}
-
-TEST_CASE("creating makes keys and the notice, but no defaults") {
-    FreshProgram program;
-    CHECK(RegValCreate());
-    CHECK(program.settings.keys.contains({SettingsRoot::user, u"Software\\Halvern"}));
-    CHECK(program.settings.keys.at({SettingsRoot::user, Text(kSettingsKey)}).empty());
-    CHECK(program.settings.keys.at({SettingsRoot::user, Text(kNoticeKey)}).size() == 1);
-}
-
-TEST_CASE("a key that cannot be made is told and the program goes on") {
-    struct Refusing : MemorySettings {
-        bool create(SettingsRoot, TextView) override { throw Failure(70, u"refused"); }
-    } refusing;
-
-    FreshProgram program;
-    app.ports.settings = &refusing;
-    RegEnsureValue(SettingsRoot::user, u"Software", u"");
-    REQUIRE(program.screen.boxesShown.size() == 1);
-    CHECK(program.screen.boxesShown.front() == u"Registry Error 70:   refused");
 }
