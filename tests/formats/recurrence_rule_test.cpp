@@ -1,60 +1,57 @@
 #include "formats/recurrence_rule.h"
+
+#include "formats/row_text.h"
+#include "formats/rule_losses.h"
+#include "formats/series_words.h"
 #include "support/fresh_program.h"
+
+#include <sstream>
 
 using namespace tandolin;
 using namespace tandolin::testing;
 
 namespace {
 
-/// "type interval modKey mask day", with "-" for what the rule leaves alone.
-Text shown(const RecurrenceRule& rule) {
+std::string shown(const RecurrenceRule& rule) {
     const auto number = [](const std::optional<std::int64_t>& value) {
         return value ? decimal(*value) : Text(u"-");
     };
-    return Text(rule.type) + u' ' + decimal(rule.intervall) + u" '" +
-           (rule.modKey ? Text(*rule.modKey) : Text(u"-")) + u"' " + number(rule.weekDayMask) +
-           u' ' + number(rule.dayOfMonth);
+    return toUtf8(Text(rule.type) + u' ' + decimal(rule.intervall) + u" '" +
+                  (rule.modKey ? Text(*rule.modKey) : Text(u"-")) + u"' " +
+                  number(rule.weekDayMask) + u' ' + number(rule.dayOfMonth));
 }
 
 } // namespace
 
-TEST_CASE("rules as phones write them") {
-    struct Case {
-        const char* name;
-        Text rule, model, read;
-    };
-
-    for (const Case& c : std::to_array<Case>({
-             {"daily", u"D1 #0", u"", u"D 1 '-' - -"},
-             {"every seventh day is weekly", u"D7 #0", u"", u"W 7 '-' - -"},
-             {"one digit of the interval", u"D14 #0", u"", u"D 1 '-' - -"},
-             {"daily without a number", u"D", u"", u"D 0 '-' - -"},
-             {"weekly on two days", u"W1 MO WE #0", u"", u"W 1 '-' 10 -"},
-             {"a day named twice", u"W1 SA SA", u"", u"W 1 '-' 128 -"},
-             {"days begin at the fourth place", u"W10 MO", u"", u"W 1 '-' 2 -"},
-             {"monthly by day", u"MD1 15 #0", u"", u"M 1 'D' - 15"},
-             {"monthly without a day", u"MD1#0", u"", u"M 1 'D' - 0"},
-             {"monthly of an old model", u"M1 15 #0", u"T55", u"M 1 '' - 15"},
-             {"wanted: by position is daily", u"MP1 1+ #0", u"", u"D 1 '' - -"},
-             {"the letter alone", u"M", u"", u"D 1 '' - -"},
-             {"blanks within a number are passed over", u"MD1 1 5 #0", u"", u"M 1 'D' - 15"},
-             {"yearly", u"YD1 #0", u"", u"Y 1 'D' - -"},
-             {"yearly by month", u"YM2 #0", u"", u"Y 2 'M' - -"},
-             {"an old model has no modifier", u"YD1 #0", u"Phone t55 x", u"Y 1 '' - -"},
-             {"yearly of an old model", u"Y1 #0", u"", u"Y 1 '' - -"},
-             {"any other yearly", u"YQ5 #0", u"T55", u"Y 1 'D' - -"},
-             {"the letter alone", u"Y", u"", u"Y 1 'D' - -"},
-             {"an unknown letter", u"X1 #0", u"", u"D 1 '' - -"},
-             {"letters in lower case are unknown", u"w1 MO", u"", u"D 1 '' - -"},
-             {"nothing", u"", u"", u"D 1 '' - -"},
-         })) {
-        CAPTURE(c.name);
-        const RecurrenceRule rule = readRecurrenceRule(c.rule, c.model);
-        CHECK(shown(rule) == c.read);
-        CHECK(rule.frequenz == c.rule.substr(0, 1));
+TEST_CASE("rules as phones write them: tests/data/phone-rules.txt") {
+    std::istringstream file(fileBytes(TANDOLIN_TEST_DATA "/phone-rules.txt"));
+    int checked = 0;
+    for (std::string line; std::getline(file, line);) {
+        CAPTURE(line);
+        const std::size_t arrow = line.find(" -> ");
+        const std::size_t lacks = line.find(" lacks ");
+        if (line.starts_with('#') || (arrow == std::string::npos && lacks == std::string::npos)) {
+            continue;
+        }
+        ++checked;
+        if (lacks != std::string::npos) {
+            const Text losses = lossesOfRule(fromUtf8(line.substr(0, lacks)), u"", at(2027, 2, 15));
+            CHECK((losses.empty() ? "nothing" : toUtf8(losses)) == line.substr(lacks + 7));
+            continue;
+        }
+        const std::size_t bracket = std::min(line.find(" ["), arrow);
+        const Text written = fromUtf8(line.substr(0, bracket));
+        const Text model = fromUtf8(line.substr(bracket, arrow - bracket));
+        const RecurrenceRule rule = readRecurrenceRule(written, model);
+        CHECK(shown(rule) == line.substr(arrow + 4));
+        CHECK(rule.frequenz == written.substr(0, 1));
     }
+    CHECK(checked > 45);
 }
 
-TEST_CASE("a number that does not fit is a failure") {
-    CHECK_THROWS_AS(readRecurrenceRule(u"MD1 99999999999999999999", u""), Failure);
+TEST_CASE("a length of time is told in its largest whole unit") {
+    CHECK(lengthInWords(-1) == u"1 minute");
+    CHECK(lengthInWords(90) == u"90 minutes");
+    CHECK(lengthInWords(120) == u"2 hours");
+    CHECK(lengthInWords(1440) == u"1 day");
 }

