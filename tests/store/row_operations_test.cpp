@@ -58,7 +58,6 @@ TEST_CASE("an operation changes every row of its key and leaves the cursor") {
              {kBefore, [](T& t, TextView k) { SetEntryKind(t, k, u""); }},
              {"17/u/9/110000000/-1/0/0", [](T& t, TextView k) { SetEntryKind(t, k, u"9"); }},
              {"18/u//111000000/-1/0/0", [](T& t, TextView k) { SetEntryID(t, k, u"18"); }},
-             {kBefore, [](T& t, TextView k) { SetEntryID(t, k, k); }},
              {"17/u//111000000/7/0/0", [](T& t, TextView k) { SetSubType(t, k, 7); }},
              {"17/v//111000000/-1/0/0", [](T& t, TextView k) { SetUID(t, k, u"v"); }},
              {"17/u//111000000/-1/3/0", [](T& t, TextView k) { SetEntryType(t, k, 3); }},
@@ -112,35 +111,4 @@ TEST_CASE("an operation may take its key from the row that it changes") {
     table.MoveFirst();
     SetEntryID(table, table[cal::EntryID], u"a much longer key than before");
     CHECK(keysOf(table) == u"a much longer key than before 5 a much longer key than before ");
-}
-
-TEST_CASE("positioning goes to the first row of the key or nowhere") {
-    const FreshProgram program;
-    Table<Calendar> table;
-    addThree(table);
-    CHECK(PositionOnEntry(table, u"17"));
-    CHECK(table.AbsolutePosition() == 1);
-    table.setAbsolutePosition(2);
-    CHECK_FALSE(PositionOnEntry(table, u"99"));
-    CHECK(table.AbsolutePosition() == 2);
-    PIMEntryClear(table, u"5");
-    CHECK_FALSE(table[cal::PIM]);
-    PIMEntrySet(table, u"5");
-    CHECK(table[cal::PIM]);
-}
-
-TEST_CASE("contacts have the same operations and one of their own") {
-    const FreshProgram program;
-    Table<Contact> table;
-    vCardCreateNewRecord(table);
-    table.set(con::EntryID, u"a");
-    vCardCreateNewRecord(table); // read from the phone: no key
-    SetMobileID(table, u"a", u"3.vcf");
-    SetMobileID(table, u"", u"4.vcf");
-    CHECK(table[con::MobileID].empty());
-    table.MoveFirst();
-    CHECK(table[con::MobileID] == u"3.vcf");
-    MobileEntryClear(table, u"a");
-    SetEntryType(table, u"a", 3);
-    CHECK(table[con::EntryType] == 3);
 }
