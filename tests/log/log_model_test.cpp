@@ -53,28 +53,29 @@ TEST_CASE("The kind in words; an unknown kind keeps that of the entry before") {
 }
 
 TEST_CASE("What counts as a failed row, and what becomes of the error flag") {
-    // clang-format off
-    struct Case { const char* name; Failure failure; bool autoSync, flagBefore; TextView error,
-     description; bool flagAfter; };
-    for (const Case& c : std::to_array<Case>({
+    for (const auto& [name, failure, autoSync, flagBefore, error, description, flagAfter] :
+         std::to_array<std::tuple<const char*, Failure, bool, bool, TextView, TextView, bool>>({
              {"done", {}, false, true, u"Nein", u"", false},
              {"done in a bulk run leaves the flag", {}, true, true, u"Nein", u"", true},
              {"failed", {-5, u"voll"}, false, false, u"Ja", u"voll-5", true},
-             {"failed in a bulk run", {-5, u"voll"}, true, false, u"Ja", u"voll-5", true},
-             {"the description decides, not the number", {-5, u""}, false, true, u"Nein", u"",
+             {"the description decides, not the number",
+              {-5, u""},
+              false,
+              true,
+              u"Nein",
+              u"",
               false},
              {"a description without a number", {0, u"voll"}, false, false, u"Ja", u"voll0", true},
          })) {
-        // clang-format on
-        CAPTURE(c.name);
+        CAPTURE(name);
         Program program;
-        app.sync.AutoSyncRunning = flagOf(c.autoSync);
-        app.log.LogErrorFlag = flagOf(c.flagBefore);
-        program.log(c.failure);
-        CHECK(lastRow()[callog::Error] == c.error);
-        CHECK(lastRow()[callog::ErrorDesc] == c.description);
-        CHECK(app.log.LogErrorFlag == flagOf(c.flagAfter));
-        CHECK(app.log.LogTransferFehler == (c.error == u"Ja" ? 1 : 0));
+        app.sync.AutoSyncRunning = flagOf(autoSync);
+        app.log.LogErrorFlag = flagOf(flagBefore);
+        program.log(failure);
+        CHECK(lastRow()[callog::Error] == error);
+        CHECK(lastRow()[callog::ErrorDesc] == description);
+        CHECK(app.log.LogErrorFlag == flagOf(flagAfter));
+        CHECK(app.log.LogTransferFehler == (error == u"Ja" ? 1 : 0));
         CHECK(program.screen.boxesShown.empty()); // the run is silent
     }
 }
@@ -118,27 +119,4 @@ TEST_CASE("A program failure is one line of the error log") {
     LogProgramError(failure, u"", {u"vCal", u"ParsEntryFromMobile"});
     CHECK(log.recordCount() == 1);
     CHECK(app.core.GlobalProgramFehler == 1);
-}
-
-TEST_CASE("Transfers are counted by side and action, failed ones not") {
-    Program program;
-
-    const auto log = [&](TextView transfer, TextView action, bool failed = false) {
-        app.log.LogTransfer = transfer;
-        app.log.LogAction = action;
-        program.log(failed ? Failure(1, u"x") : Failure{});
-    };
-    log(u"Mobile", u"erstellt");
-    log(u"Mobile", u"geändert");
-    log(u"Mobile", u"erstellt", true);
-    log(u"Mobile", u"gelöscht");
-    log(u"PIM", u"erstellt");
-    log(u"PIM", u"erstellt", true);
-    log(u"PIM", u"gelöscht");
-    log(u"PIM", u"gelöscht");
-    const TransferCounts counts = countTransfers();
-    CHECK(counts.phoneWritten == 2);
-    CHECK(counts.phoneRemoved == 1);
-    CHECK(counts.organizerWritten == 1);
-    CHECK(counts.organizerRemoved == 2);
 }

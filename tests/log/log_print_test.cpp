@@ -1,9 +1,9 @@
 #include "log/log_print.h"
 
-#include "log/log_columns.h"
 #include "log/log_model.h"
 #include "log/log_text.h"
 #include "log/noted_boxes.h"
+#include "support/fake_system.h"
 #include "support/fresh_program.h"
 
 #include <doctest/doctest.h>
@@ -19,23 +19,9 @@ struct Paper : Printer {
     void print(const PrintJob& job) override { jobs.push_back(job); }
 };
 
-struct Files : HomeFiles {
-    Text content;
-
-    void ensureWritable(TextView) override {}
-
-    void write(TextView, TextView text) override { content = text; }
-
-    void openTrace(TextView) override {}
-
-    void append(TextView) override {}
-
-    void closeTrace() override {}
-};
-
 struct Program : FreshProgram {
     Paper paper;
-    Files files;
+    FakeFiles files;
 
     Program() {
         LogInit();
@@ -43,12 +29,19 @@ struct Program : FreshProgram {
         app.ports.printer = &paper;
         app.ports.files = &files;
         app.log.summary = u"SUMMARY";
+        app.settings.HomeDir = u"/home/me";
     }
 };
 
-void logAppointment() {
+void logZahnarzt() {
     Table<Calendar> entry;
     vCalCreateNewRecord(entry);
+    entry.set(cal::StartDate, at(2026, 11, 24));
+    entry.set(cal::StartTime, u"09:30");
+    entry.set(cal::Text, u"Zahnarzt");
+    entry.set(cal::Typ, u"1");
+    app.log.LogTransfer = u"PIM";
+    app.log.LogAction = u"erstellt";
     LogTransferEntry(entry, {}, {u"m", u"p"});
 }
 
@@ -75,18 +68,14 @@ TEST_CASE("What is printed") {
     };
 
     for (const Case& c : std::to_array<Case>({
-             {"everything", true, true, true, u"all", u"SUMMARY\r\n\r\nC\r\n\r\nK\r\n\r\nE", false},
              {"details", true, true, true, u"details", u"C\r\n\r\nK\r\n\r\nE", false},
-             {"contacts alone", false, true, false, u"details", u"K", false},
              {"errors behind contacts", false, true, true, u"details", u"K\r\n\r\nE", false},
              {"errors alone", false, false, true, u"details", u"", true},
-             {"errors alone with the summary", false, false, true, u"all", u"SUMMARY\r\n\r\nE",
-              false},
              {"nothing at all", false, false, false, u"details", u"", false},
          })) {
         CAPTURE(c.name);
         Program program;
-        c.calendar ? logAppointment() : void();
+        c.calendar ? logZahnarzt() : void();
         c.contacts ? logContact() : void();
         c.errors ? logFailure() : void();
         const LogBlocks blocks = logGridZusammensetzung();
@@ -103,8 +92,6 @@ TEST_CASE("What is printed") {
         if (!program.paper.jobs.empty()) {
             const PrintJob& job = program.paper.jobs.front();
             CHECK(job.text == printed);
-            CHECK(job.font == u"Arial");
-            CHECK(job.points == 12);
             CHECK(job.tabStops == std::vector<int>{15, 30, 65, 85, 110, 130, 150, 160});
         }
     }
@@ -132,26 +119,6 @@ TEST_CASE("A contact has failed by the failure's number, an appointment by its w
     CHECK(app.log.LogTransferFehler == 1);
 }
 
-TEST_CASE("The summary window shows a heading and six lines") {
-    const Program program;
-    logContact();
-    Table<LogSummary> rows;
-    fillSummary(rows);
-    CHECK(rows.recordCount() == 7);
-    rows.MoveFirst();
-    rows.MoveNext();
-    CHECK(rows[logsum::FieldName] == u"Übertragene Daten:");
-    CHECK(rows[logsum::FieldValue] == u"1");
-}
-
-TEST_CASE("Every column of the log has a title and a tip") {
-    const Program program;
-    CHECK(tr(calendarLogColumns()[0].tip) == u"Übertragungsziel");
-    CHECK(tr(calendarLogColumns()[4].tip) == u"Zeitpunkt des Eintrages");
-    CHECK(tr(contactLogColumns()[3].tip) == u"Kontakt Name");
-    CHECK(tr(errorLogColumns()[4].tip) == u"es wird der Funktionsname angezeigt");
-}
-
 TEST_CASE("A box that nobody saw stands in the log file, one from before the tables too") {
     Program program;
     NotedBoxes boxes(program.screen);
@@ -166,4 +133,39 @@ TEST_CASE("A box that nobody saw stands in the log file, one from before the tab
                                           u"21.11.2026 10:00:00\tReally?\tYes\t\r\n"));
     CHECK(app.run.failures == 0);
     CHECK(logTables.errors.isEmpty());
+}
+
+TEST_CASE("A block has a header and a line for each row, with a tab behind every cell") {
+    const Program program;
+    logZahnarzt();
+    Failure failure(-1993, u"bad");
+    LogProgramError(failure, u"", {u"vCal", u"Pars"});
+    logTables.contacts.AddNew();
+    const LogBlocks blocks = logGridZusammensetzung();
+    CHECK(blocks.calendar ==
+          u"Ziel\tAktion\tÜbertragungszeitpunkt\tEintragsdatum\tEintragszeit\tBeschreibung\t"
+          u"Eintragsart\tFehler\tFehlerbeschreibung\t\r\n"
+          u"PIM\terstellt\t21.11.2026 10:00:00\t24.11.2026\t09:30:00\tZahnarzt\tBesprechung\t"
+          u"Nein\t\t\r\n");
+    CHECK(blocks.errors ==
+          u"Fehlerzeitpunkt\tFehlernummer\tFehlerbeschreibung\tModulname\tFunktionsname\t\r\n"
+          u"21.11.2026 10:00:00\t-1993\tbad\tvCal\tPars\t\r\n");
+    CHECK(blocks.contacts == u"Ziel\tAktion\tÜbertragungszeitpunkt\tName\tTelefonnummer\tFehler\t"
+                             u"Fehlerbeschreibung\t\r\n\t\t\t\t\t\t\t\r\n");
+}
+
+TEST_CASE("The file: summary and blocks, two line breaks between them, nothing of before") {
+    Program program;
+    logZahnarzt();
+    app.log.LogTransferFehler = 2;
+    logWriteFile();
+    CHECK(program.files.paths == std::vector<Text>{u"/home/me\\logFile.rtf"});
+    CHECK(program.files.content ==
+          app.log.summary + u"\r\n\r\n" + logGridZusammensetzung().calendar + u"\r\n\r\n\r\n\r\n");
+    CHECK(holdsText(app.log.summary, u"Übertragene Daten:\t\t1\r\n"));
+    CHECK(holdsText(app.log.summary, u"Übertragungsfehler:\t\t2\r\n"));
+    program.files.unwritable = true;
+    logWriteFile(); // told, and the tables stay
+    CHECK(app.core.GlobalProgramFehler == 1);
+    CHECK(logTables.calendar.recordCount() == 1);
 }
