@@ -13,32 +13,13 @@
 namespace tandolin::testing {
 
 struct WatchedScreen : ScriptedScreen {
-    std::vector<std::string> told; ///< what grids, pictures and menus were told
-    int cancelAt = 0;              ///< the n-th look at the Cancel button finds it pressed
+    int cancelAt = 0; ///< the n-th look at the Cancel button finds it pressed
 
     bool cancelPressed() override { return --cancelAt == 0; }
 
-    void refresh(Grid grid) override { tell("refresh", grid == Grid::GridEXCal); }
-
-    void selectFirstRow(Grid grid) override { tell("first row", grid == Grid::GridEXCal); }
-
-    void currentColumn(Grid, int column) override {
-        told.push_back("column " + std::to_string(column));
-    }
-
-    void columnCaptions(Grid grid) override { tell("captions", grid == Grid::GridEXCal); }
-
     void phonePicture(bool connected) override { picture = connected; }
 
-    void SetMenus_Click() override { ++menusSet; }
-
     bool picture = false;
-    int menusSet = 0;
-
-private:
-    void tell(const char* what, bool calendar) {
-        told.emplace_back(calendar ? what : std::string(what) + " of contacts");
-    }
 };
 
 struct DialogWorld : SyncWorld {

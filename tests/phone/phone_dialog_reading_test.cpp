@@ -3,8 +3,8 @@
 #include "organizer/calendar_reading.h"
 #include "phone/dialog_world.h"
 #include "phone/phone_reading.h"
-#include "phone/phone_status.h"
 #include "store/row_operations.h"
+#include "support/reports.h"
 
 using namespace tandolin;
 using namespace tandolin::testing;
@@ -14,20 +14,17 @@ namespace {
 const Lines kThree{"1 M 2026-11-22 09:00 Zahnarzt", "2 B 2026-11-23 10:00 Team",
                    "5 M 2026-11-24 11:00 Kino"};
 
+bool namesTheOption() {
+    return std::ranges::any_of(reports, [](const Report& report) {
+        return report.failure.Description.find(u"--accept-empty-phone") != Text::npos;
+    });
+}
+
 } // namespace
 
 TEST_CASE("how a read in a dialog ends") {
-    struct Case {
-        const char* name;
-        Lines phone;
-        void (*prepare)(DialogWorld&);
-        bool read, connected;
-        std::size_t rows;
-    };
-
-    for (const Case& c : std::to_array<Case>({
+    for (const auto& [name, phone, prepare, read, connected, rows] : std::to_array<std::tuple<const char*, Lines, void (*)(DialogWorld&), bool, bool, std::size_t>>({
              {"all objects", kThree, [](DialogWorld&) {}, true, true, 3},
-             {"empty directory", {}, [](DialogWorld&) {}, false, false, 0},
              {"empty directory, accepted",
               {},
               [](DialogWorld&) { app.phone.acceptEmptyPhone = true; },
@@ -45,23 +42,11 @@ TEST_CASE("how a read in a dialog ends") {
               0},
              {"one empty object", kThree, [](DialogWorld& world) { world.setObject(u"2.vcs", ""); },
               false, false, 0},
-             {"one broken object", kThree,
-              [](DialogWorld& world) {
-                  world.setObject(u"5.vcs", "BEGIN:VCALENDAR\r\nBEGIN:VTODO\r\n");
-              },
-              false, false, 0},
              {"the listing fails", kThree,
               [](DialogWorld& world) {
                   world.phone.fault = {.call = 4, .failure = Failure(5, u"")};
               },
               false, false, 0},
-             {"the status files fail", kThree,
-              [](DialogWorld& world) {
-                  world.phone.fault = {.call = 1, .failure = Failure(5, u"")};
-              },
-              false, false, 0},
-             {"without the object store's link", kThree,
-              [](DialogWorld&) { app.core.GlobalUsePXD = kFalse; }, true, true, 3},
              {"cancel on the first file", kThree,
               [](DialogWorld& world) {
                   app.phone.MobileConnected = kTrue;
@@ -70,14 +55,14 @@ TEST_CASE("how a read in a dialog ends") {
               },
               false, true, 0},
          })) {
-        CAPTURE(c.name);
+        CAPTURE(name);
         DialogWorld world;
-        world.fill(c.phone, {});
-        c.prepare(world);
-        CHECK(vCalReadMobile(false) == c.read);
-        CHECK(app.phone.vCalRead == flagOf(c.read));
-        CHECK(app.phone.MobileConnected == flagOf(c.connected));
-        CHECK(tables.RSCalendar.recordCount() == c.rows);
+        world.fill(phone, {});
+        prepare(world);
+        CHECK(vCalReadMobile(false) == read);
+        CHECK(app.phone.vCalRead == flagOf(read));
+        CHECK(app.phone.MobileConnected == flagOf(connected));
+        CHECK(tables.RSCalendar.recordCount() == rows);
         CHECK(tables.RSCalendarWork.isEmpty());
         CHECK_FALSE(world.watched.statusOpen);
         CHECK(world.phone.callsOf(u"PXDWrite") + world.phone.callsOf(u"PXDDelete") == 0);
@@ -146,29 +131,23 @@ TEST_CASE("what a row keeps of its object: the two forms differ on purpose") {
 }
 
 TEST_CASE("a phone that holds more than the free slots allow lowers them") {
-    struct Case {
-        const char* name;
-        int phoneHolds;
-        std::int16_t free, entriesKnown;
-        std::int16_t maxEntries, freeAfterwards;
-    };
-
-    for (const Case& c : std::to_array<Case>({
-             {"enough room", 10, 2, 8, 8, 2},
+    for (const auto& [name, phoneHolds, free, entriesKnown, maxEntries, freeAfterwards] :
+         std::to_array<
+             std::tuple<const char*, int, std::int16_t, std::int16_t, std::int16_t, std::int16_t>>({
              {"one too many", 4, 2, 2, 3, 1},
              {"full", 3, 2, 1, 3, 0},
              {"nobody said how many fit", 0, 2, 0, 3, 2},
          })) {
-        CAPTURE(c.name);
+        CAPTURE(name);
         DialogWorld world;
         world.fill(kThree, {});
         app.phone.MobileConnected = kTrue;
-        app.phone.vCalMaxRecords = int16Of(c.phoneHolds);
-        app.phone.vCalMaxEntries = c.entriesKnown;
-        app.settings.freeMobileEntries = c.free;
+        app.phone.vCalMaxRecords = int16Of(phoneHolds);
+        app.phone.vCalMaxEntries = entriesKnown;
+        app.settings.freeMobileEntries = free;
         REQUIRE(vCalReadMobile(false));
-        CHECK(app.phone.vCalMaxEntries == c.maxEntries);
-        CHECK(app.settings.freeMobileEntries == c.freeAfterwards);
+        CHECK(app.phone.vCalMaxEntries == maxEntries);
+        CHECK(app.settings.freeMobileEntries == freeAfterwards);
     }
 }
 
@@ -182,56 +161,61 @@ TEST_CASE("a number that another row kept from a lost object is that row's no mo
     CHECK(tableRows() == Lines{"u1 1 P Zahnarzt", "5 2 M Kino"});
 }
 
-TEST_CASE("what the window shows of a read") {
+TEST_CASE("changes that wait keep AutoSync off behind a read") {
     DialogWorld world;
-    SUBCASE("rows: grid, first row, column") {
-        world.fill(kThree, {});
-        vCalReadMobile(false);
-        CHECK(world.watched.told == Lines{"refresh", "first row", "column 7"});
-        CHECK(world.watched.picture);
-        CHECK(world.watched.menusSet > 0);
-    }
-    SUBCASE("no rows, no column") {
-        app.phone.acceptEmptyPhone = true;
-        vCalReadMobile(false);
-        CHECK(world.watched.told == Lines{"refresh", "first row"});
-    }
-    SUBCASE("the grid can be left alone") {
-        world.fill(kThree, {});
-        vCalReadMobile(true);
-        CHECK(world.watched.told.empty());
-    }
-    SUBCASE("changes that wait keep AutoSync off") {
-        world.fill(kThree, {});
-        app.settings.SaveTyp = 2;
-        vCalReadMobile(false);
-        CHECK_FALSE(world.watched.tools.at(u"TDLTools/TDLAutoSync"));
-        CHECK_FALSE(world.watched.tools.at(u"TDLOrganizerMenu/TDLAutoSync"));
-    }
-    SUBCASE("a dialog of a longer action stays open") {
-        world.fill(kThree, {});
-        app.status.Start(u"start");
-        vCalReadMobile(false);
-        CHECK(world.watched.statusOpen);
+    world.fill(kThree, {});
+    app.settings.SaveTyp = 2;
+    vCalReadMobile(false);
+    CHECK(world.watched.picture);
+    CHECK_FALSE(world.watched.tools.at(u"TDLTools/TDLAutoSync"));
+    CHECK_FALSE(world.watched.tools.at(u"TDLOrganizerMenu/TDLAutoSync"));
+}
+
+TEST_CASE("An empty phone is called empty only where it said so") {
+    for (const auto& [name, prepare, told] :
+         std::to_array<std::tuple<const char*, void (*)(DialogWorld&), bool>>({
+             {"it counts none", [](DialogWorld&) {}, true},
+             {"its status was never read", [](DialogWorld&) { app.phone.MobileConnected = kTrue; },
+              false},
+             {"the listing failed",
+              [](DialogWorld& world) {
+                  world.phone.fault = {.call = 4, .failure = Failure(5, u"")};
+              },
+              false},
+             {"the option was given, and did not help",
+              [](DialogWorld& world) {
+                  app.phone.acceptEmptyPhone = true;
+                  world.phone.fault = {.call = 5, .failure = Failure(5, u"")};
+              },
+              false},
+         })) {
+        CAPTURE(name);
+        DialogWorld world;
+        keepReports();
+        prepare(world);
+        CHECK_FALSE(vCalReadMobile(false));
+        CHECK(namesTheOption() == told);
     }
 }
 
-TEST_CASE("MobileEntriesPruefung: the free slots give way, with one box") {
+TEST_CASE("A failure behind the parse names the object") {
     DialogWorld world;
-    app.settings.freeMobileEntries = 10;
-    app.phone.vCalMaxRecords = 100;
-    app.phone.vCalMaxEntries = 90;
-    app.phone.vCalEntryCount = 90;
-    MobileEntriesPruefung();
-    CHECK(world.watched.boxesShown.empty());
-    app.phone.vCalEntryCount = 95;
-    MobileEntriesPruefung();
-    CHECK(app.phone.vCalMaxEntries == 95);
-    CHECK(app.settings.freeMobileEntries == 5);
-    CHECK(app.Einstellungen.Puffer_Anzahl == u"5");
-    REQUIRE(world.watched.boxesShown.size() == 1);
-    CHECK(world.watched.boxesShown.front() ==
-          u"Die in den Einstellungen angegebene Anzahl an freien Mobileeinträgen kann nicht "
-          u"eingehalten werden, da das Mobile zu viele Einträge enthält. Soll die Anzahl der "
-          u"freibleibenden Mobileeinträge auf 5 zurückgesetzt werden?");
+    world.fill({"40000 M 2026-11-22 09:00 Zahnarzt"}, {});
+    app.phone.MobileConnected = kTrue;
+    keepReports();
+    CHECK_FALSE(vCalReadMobile(false));
+    REQUIRE_FALSE(reports.empty());
+    CHECK(reports.front().failure.File == u"40000.vcs");
+}
+
+TEST_CASE("A read leaves an editor's row in the scratch table alone") {
+    DialogWorld world;
+    world.fill({"1 M 2026-11-22 09:00 Zahnarzt", "2 M 2026-11-23 09:00 Kino"}, {});
+    Table<Calendar>& work = tables.RSCalendarWork;
+    vCalCreateNewRecord(work);
+    work.set(cal::Text, u"Eingabe");
+    REQUIRE(vCalReadMobile(false));
+    CHECK(work.recordCount() == 1);
+    CHECK(work[cal::Text] == u"Eingabe");
+    CHECK(tableRows() == Lines{"1 2 M Zahnarzt", "2 2 M Kino"});
 }

@@ -31,8 +31,6 @@ TEST_CASE("SetStatusBarMobile: the three display states of each side") {
               u" Mobileeinträge belegt: ?"},
              {"calendar's capacity", true, false, false, true, phone, u" verbunden",
               u" Mobileeinträge belegt: ?/90"},
-             {"contacts' capacity", true, true, true, false, phone, u" verbunden",
-              u" Mobileeinträge belegt: ?/50"},
              {"calendar", true, false, true, false, phone, u" verbunden",
               u" Mobileeinträge belegt: 12/90"},
              {"contacts", true, true, false, true, phone, u" verbunden",
@@ -57,10 +55,5 @@ TEST_CASE("SetStatusBarMobile: the three display states of each side") {
         CHECK(screen.panes[Pane::MobileStatus] == c.status);
         CHECK(screen.panes[Pane::EntryCounter] == c.counter);
         CHECK(screen.panes.size() == 3);
-
-        screen.panes.clear();
-        app.core.GlobalSilentMode = kTrue;
-        SetStatusBarMobile(c.contacts);
-        CHECK(screen.panes.empty());
     }
 }
