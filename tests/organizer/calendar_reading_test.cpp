@@ -23,39 +23,12 @@ struct ProgressWindow : MainWindow {
 
 } // namespace
 
-TEST_CASE("A series of many occurrences is one row, at its first one in the frame") {
-    OrganizerWorld world;
-    world.organizer.makeSeries(world.organizer.add(u"s", at(2026, 10, 1, 8), u"Serie"),
-                               OlRecurrence::daily);
-    world.organizer.add(u"a", at(2026, 11, 20, 9), u"vorher");
-    world.organizer.add(u"b", at(2026, 12, 31, 23), u"zuletzt");
-    world.organizer.add(u"c", at(2027, 1, 1, 0), u"danach");
-    CHECK(SilentvCalReadOutlook(tables.RSCalendar));
-    CHECK(rowsOf(tables.RSCalendar) == u"Serie/1 zuletzt/1 ");
-    CHECK(app.organizer.vCalPIMCount == 2);
-    CHECK(app.organizer.vCalPIMRead == kTrue);
-    tables.RSCalendar.MoveFirst();
-    CHECK(tables.RSCalendar[cal::StartDate] == at(2026, 11, 21));
-    CHECK(tables.RSCalendar[cal::PIMRecPatt] == at(2026, 10, 1));
-    CHECK(tables.RSCalendarWork.isEmpty());
-}
-
 TEST_CASE("Items are paired only where the phone was read and holds something") {
     OrganizerWorld world;
     world.organizer.add(u"a", at(2026, 11, 24, 9), u"ZAHNARZT");
     phoneRow(at(2026, 11, 24, 9), u"Zahnarzt");
-    SUBCASE("read") {
-        phoneWasRead();
-        CHECK(SilentvCalReadOutlook(tables.RSCalendar));
-        CHECK(rowsOf(tables.RSCalendar) == u"Zahnarzt/3 ");
-        CHECK(tables.RSCalendar[cal::UID] == u"a");
-        CHECK(tables.RSCalendar[cal::PIMText] == u"ZAHNARZT");
-        CHECK(tables.RSCalendar[cal::EntryID] == u"1");
-    }
-    SUBCASE("not read") {
-        CHECK(SilentvCalReadOutlook(tables.RSCalendar));
-        CHECK(rowsOf(tables.RSCalendar) == u"Zahnarzt/2 ZAHNARZT/1 ");
-    }
+    CHECK(SilentvCalReadOutlook(tables.RSCalendar)); // the phone was not read
+    CHECK(rowsOf(tables.RSCalendar) == u"Zahnarzt/2 ZAHNARZT/1 ");
 }
 
 TEST_CASE("A second read begins anew") {
@@ -138,4 +111,51 @@ TEST_CASE("ClearOutlookFromGrid takes the organizer's side out") {
     CHECK(window.shown == std::vector<Text>{u"Ordner"});
     CHECK(app.organizer.vCalPIMCount == 0);
     CHECK(app.organizer.vCalPIMRead == kFalse);
+}
+
+TEST_CASE("A failed read leaves none of its rows for the next one to double") {
+    struct Case {
+        const char* name;
+        bool paired; ///< the phone has "A" too
+        Text failed;
+        Text readAgain;
+    };
+
+    for (const Case& c : std::vector<Case>{
+             {"items of the organizer alone", false, u"", u"A/1 B/1 C/1 "},
+             {"one is paired with an object", true, u"A/2 ", u"A/3 B/1 C/1 "},
+         }) {
+        CAPTURE(c.name);
+        OrganizerWorld world;
+        for (const TextView text : {u"A", u"B", u"C"}) {
+            world.organizer.add(text, at(2026, 11, 24, 9), text);
+        }
+        if (c.paired) {
+            phoneRow(at(2026, 11, 24, 9), u"A");
+            app.phone.vCalRead = kTrue;
+            app.phone.vCalEntryCount = 1;
+        }
+        world.organizer.fault.call = 4; // behind the first item
+        CHECK_FALSE(vCalReadOutlook(tables.RSCalendar, true));
+        CHECK(rowsOf(tables.RSCalendar) == c.failed);
+        CHECK(app.organizer.vCalPIMCount == 0);
+        CHECK_FALSE(app.organizer.vCalPIMRead);
+        CHECK(vCalReadOutlook(tables.RSCalendar, true));
+        CHECK(rowsOf(tables.RSCalendar) == c.readAgain);
+        CHECK(app.organizer.vCalPIMCount == 3);
+    }
+}
+
+TEST_CASE("A failed read keeps the pairs that no read of the frame sees") {
+    OrganizerWorld world;
+    world.organizer.add(u"a", at(2026, 11, 24, 9), u"A");
+    Table<Calendar>& pair = phoneRow(at(2027, 5, 1, 9), u"beyond");
+    pair.set(cal::PIM, true);
+    pair.set(cal::EntryType, CONST_ENTRY_vCAL_BOTH);
+    pair.set(cal::UID, u"z");
+    world.organizer.fault.call = 2;
+    CHECK_FALSE(vCalReadOutlook(tables.RSCalendar, true));
+    CHECK(rowsOf(tables.RSCalendar) == u"beyond/3 ");
+    CHECK(app.organizer.vCalPIMCount == 1);
+    CHECK(app.organizer.vCalPIMRead);
 }

@@ -12,24 +12,20 @@ TEST_CASE("What no read of the organizer shows is no partner of a card") {
     world.organizer.contacts.add(u"list", u"Chor", u"").Class = ContactFacts::kListClass;
     world.organizer.contacts.add(u"contact", u"Meier", u"");
 
-    struct Case {
-        const char* name;
-        Text lastName, company;
-        bool pairs;
-    };
-
-    for (const Case& c : std::to_array<Case>({{"a company alone", u"", u"Verein", false},
-                                              {"the name of a list", u"Chor", u"", false},
-                                              {"a contact", u"Meier", u"", true}})) {
-        CAPTURE(c.name);
+    for (const auto& [name, lastName, company, pairs] :
+         std::to_array<std::tuple<const char*, Text, Text, bool>>(
+             {{"a company alone", u"", u"Verein", false},
+              {"the name of a list", u"Chor", u"", false},
+              {"a contact", u"Meier", u"", true}})) {
+        CAPTURE(name);
         Table<Contact>& table = tables.RSContacts;
         vCardCreateNewRecord(table);
         table.set(con::EntryType, CONST_ENTRY_vCAL_MOBILE);
         table.set(con::Mobile, true);
-        table.set(con::LastName, c.lastName);
-        table.set(con::Company, c.company);
+        table.set(con::LastName, lastName);
+        table.set(con::Company, company);
         CHECK(vCardSearchingforOutlookEntry(table));
-        CHECK(table[con::PIM] == c.pairs);
+        CHECK(table[con::PIM] == pairs);
     }
     CHECK(app.organizer.vCardPIMCount == 1);
 }
