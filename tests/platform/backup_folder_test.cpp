@@ -6,10 +6,12 @@
 #include "platform/organizer_folder/folder_files.h"
 #include "platform/scratch_directory.h"
 #include "support/fake_phone.h"
+#include "support/fixed_clock.h"
 
 #include <doctest/doctest.h>
 
 #include <algorithm>
+#include <functional>
 
 using namespace tandolin;
 using namespace tandolin::platform;
@@ -39,11 +41,17 @@ std::string inWords(const std::vector<Change>& changes) {
     return words;
 }
 
-struct FixedClock : Clock {
-    Date moment{46347.5};
-
-    [[nodiscard]] Date now() const override { return moment; }
-};
+/// Lines of a journal: "C phone - a x;" with tabs and a line feed, and the letters as hashes.
+std::string journalOf(const std::string& words) {
+    std::string journal;
+    for (std::size_t i = 0; i < words.size(); ++i) {
+        const char c = words[i];
+        const bool isHash = c >= 'a' && c <= 'c' && words[i - 1] == ' ' &&
+                            (i + 1 == words.size() || words[i + 1] == ' ');
+        journal += c == ' ' ? "\t" : c == ';' ? "\n" : std::string(isHash ? 64 : 1, c);
+    }
+    return journal;
+}
 
 /// Keeps, when told to, another form of an object than it was sent.
 struct OwnMindedPhone : FakePhone {
@@ -94,69 +102,42 @@ PXDStream streamOf(std::string bytes) {
 } // namespace
 
 TEST_CASE("What a journal says of each entry") {
-    const std::string a = kA;
-    const std::string b = kB;
-    const std::string c = kC;
-
-    struct Case {
-        const char* name;
-        std::string journal;
-        bool finished;
-        const char* changes;
-    };
-
-    for (const Case& t : std::vector<Case>{
-             {"nothing", "", true, ""},
-             {"created, replaced, removed",
-              "C\tphone\t-\t" + a + "\tx\nC\torganizer\t" + a + "\t" + b + "\ty\nC\tphone\t" + a +
-                  "\t-\tz\n",
-              true, "phone x ->a organizer y a>b phone z a>- "},
-             {"removed and written again: only the end counts",
-              "C\tphone\t" + a + "\t-\tx\nC\tphone\t" + a + "\t" + b + "\tx\n", true,
-              "phone x a>b "},
+    for (const auto& [name, journal, finished, changes] :
+         std::to_array<std::tuple<const char*, const char*, bool, const char*>>({
+             {"created, replaced, removed", "C phone - a x;C organizer a b y;C phone a - z;", true,
+              "phone x ->a organizer y a>b phone z a>- "},
+             {"removed and written again: only the end counts", "C phone a - x;C phone a b x;",
+              true, "phone x a>b "},
              {"killed: the last change may not have been made",
-              "C\tphone\t-\t" + a + "\tw\nC\tphone\t" + a + "\t-\tx\nC\tphone\t" + a + "\t" + b +
-                  "\tx\n",
-              false, "phone w ->a phone x a>a-b "},
-             {"killed in the middle of a line", "C\tphone\t-\t" + a + "\tx\nC\tphone\t-\t" + a,
-              false, "phone x ->-a "},
-             {"failed", "C\tphone\t" + a + "\t" + b + "\tx\nU\tphone\tx\n", true, "phone x a>ab "},
-             {"failed, then done",
-              "C\tphone\t" + a + "\t" + b + "\tx\nU\tphone\tx\nC\tphone\t" + a + "\t" + c + "\tx\n",
-              true, "phone x a>c "},
+              "C phone - a w;C phone a - x;C phone a b x;", false, "phone w ->a phone x a>a-b "},
+             {"killed in the middle of a line", "C phone - a x;C phone - a", false,
+              "phone x ->-a "},
+             {"failed", "C phone a b x;U phone x;", true, "phone x a>ab "},
+             {"failed, then done", "C phone a b x;U phone x;C phone a c x;", true, "phone x a>c "},
              {"two new cards, the phone names them",
-              "C\tphone\t-\t" + a + "\tpb/new.vcf\nB\tphone\tpb/new.vcf\t" + a +
-                  "\tpb/4.vcf\nC\tphone\t-\t" + b + "\tpb/new.vcf\nB\tphone\tpb/new.vcf\t" + b +
-                  "\tpb/5.vcf\n",
+              "C phone - a pb/new.vcf;B phone pb/new.vcf a pb/4.vcf;"
+              "C phone - b pb/new.vcf;B phone pb/new.vcf b pb/5.vcf;",
               true, "phone pb/4.vcf ->a phone pb/5.vcf ->b "},
              {"a new card takes the number of one that was removed",
-              "C\tphone\t" + c + "\t-\tpb/4.vcf\nC\tphone\t-\t" + a +
-                  "\tpb/new.vcf\nB\tphone\tpb/new.vcf\t" + a + "\tpb/4.vcf\n",
-              true, "phone pb/4.vcf c>a "},
-         }) {
-        CAPTURE(t.name);
-        CHECK(inWords(changesOf(t.journal, t.finished)) == t.changes);
+              "C phone c - pb/4.vcf;C phone - a pb/new.vcf;B phone pb/new.vcf a pb/4.vcf;", true,
+              "phone pb/4.vcf c>a "},
+         })) {
+        CAPTURE(name);
+        CHECK(inWords(changesOf(journalOf(journal), finished)) == changes);
     }
-    for (const std::string& damaged : std::vector<std::string>{
-             "x\n", "C\tphone\t-\t" + a + "\t../x\n", "C\tphone\t-\t" + a + "\t/x\n",
-             "C\tfax\t-\t" + a + "\tx\n", "C\tphone\t-\tshort\tx\n", "U\tphone\tunknown\n",
-             "C\tphone\t-\t" + a + "\tx%0\n", "C\tphone\t-\t" + a + "\tx"}) {
+    for (const char* damaged :
+         {"x;", "C phone - a ../x;", "C phone - a /x;", "C fax - a x;", "C phone - short x;",
+          "U phone unknown;", "C phone - a x%0;", "C phone - a x"}) {
         CAPTURE(damaged);
-        CHECK(failureNumber([&] { changesOf(damaged, true); }) == failure_number::kFileFailed);
+        CHECK(failureNumber([&] { changesOf(journalOf(damaged), true); }) ==
+              failure_number::kFileFailed);
     }
 }
 
 TEST_CASE("Only what the run left is undone") {
-    struct Case {
-        const char* name;
-        Content before;
-        std::vector<Content> left;
-        Content present;
-        UndoAction action;
-    };
-
     const Content none;
-    for (const Case& t : std::vector<Case>{
+    for (const auto& [name, before, left, present, action] :
+         std::vector<std::tuple<const char*, Content, std::vector<Content>, Content, UndoAction>>{
              {"created", none, {kA}, kA, UndoAction::remove},
              {"created, edited since", none, {kA}, kB, UndoAction::keep},
              {"created, removed since", none, {kA}, none, UndoAction::none},
@@ -169,8 +150,8 @@ TEST_CASE("Only what the run left is undone") {
              {"killed between removal and write", kA, {kA, none, kB}, none, UndoAction::create},
              {"killed behind the write", kA, {kA, none, kB}, kB, UndoAction::replace},
          }) {
-        CAPTURE(t.name);
-        CHECK(undoOf({StoreSide::phone, "x", t.before, t.left}, t.present).action == t.action);
+        CAPTURE(name);
+        CHECK(undoOf({StoreSide::phone, "x", before, left}, present).action == action);
     }
 }
 
@@ -224,12 +205,10 @@ TEST_CASE("A recorded phone: copied before the first change, every change noted"
     static_cast<void>(phone.PXDRead(u"\\telecom\\cal\\1.vcs"));
     phone.PXDList(u"\\telecom\\cal\\*.vcs", 0);
     CHECK_FALSE(world.backup.made().has_value());
-    const std::size_t callsBefore = world.phone.calls.size();
+    world.phone.calls.clear();
     phone.PXDDelete(u"\\telecom\\cal\\1.vcs");
     const auto& calls = world.phone.calls;
-    CHECK(std::find(calls.begin() + static_cast<std::ptrdiff_t>(callsBefore), calls.end(),
-                    u"PXDRead \\telecom\\cal\\1.vcs") ==
-          calls.end()); // what was read is not read again
+    CHECK(std::ranges::count(calls, u"PXDRead \\telecom\\cal\\1.vcs") == 0); // not a second time
     CHECK(calls.back() == u"PXDDelete \\telecom\\cal\\1.vcs");
     CHECK(bytesOf(*world.backup.made() / "phone/telecom/cal/1.vcs") == "one");
     phone.PXDWrite(u"\\telecom\\pb\\new.vcf", streamOf("card"), 0);
@@ -281,32 +260,26 @@ TEST_CASE("A phone that keeps another form of an object") {
 TEST_CASE("A run that in the end changed nothing leaves no copy; one that may have does") {
     struct Case {
         const char* name;
-        void (*act)(RecordedWorld& world, RecordedPhone& phone);
+        std::function<void(RecordedWorld& world, RecordedPhone& phone)> act;
         bool kept;
     };
 
+    const auto failToReplace = [](RecordedWorld& world, RecordedPhone& phone) {
+        phone.PXDDelete(u"\\telecom\\cal\\1.vcs");
+        world.phone.fault.call = world.phone.calls.size() + 1;
+        CHECK(failureNumber(
+                  [&] { phone.PXDWrite(u"\\telecom\\cal\\1.vcs", streamOf("new"), 0); }) != 0);
+    };
     for (const Case& t : std::vector<Case>{
              {"removed, not written, put back",
-              [](RecordedWorld&world, RecordedPhone&phone) {
-                  phone.PXDDelete(u"\\telecom\\cal\\1.vcs");
-                  world.phone.fault.call = world.phone.calls.size() + 1;
-                  CHECK(failureNumber([&] {
-                            phone.PXDWrite(u"\\telecom\\cal\\1.vcs", streamOf("new"), 0);
-                        }) != 0);
+              [&](RecordedWorld&world, RecordedPhone&phone) {
+                  failToReplace(world, phone);
                   CHECK(phone.restoreDeleted(u"\\telecom\\cal\\1.vcs"));
               },
               false},
-             {"removed, not written, lost",
-              [](RecordedWorld&world, RecordedPhone&phone) {
-                  phone.PXDDelete(u"\\telecom\\cal\\1.vcs");
-                  world.phone.fault.call = world.phone.calls.size() + 1;
-                  CHECK(failureNumber([&] {
-                            phone.PXDWrite(u"\\telecom\\cal\\1.vcs", streamOf("new"), 0);
-                        }) != 0);
-              },
-              true},
+             {"removed, not written, lost", failToReplace, true},
              {"an absent object was removed",
-              [](RecordedWorld&, RecordedPhone&phone) {
+              [](RecordedWorld& /*world*/, RecordedPhone&phone) {
                   phone.PXDDelete(u"\\telecom\\cal\\9.vcs");
               },
               false},

@@ -3,26 +3,20 @@
 // An organizer folder in a directory of its own, and short forms of what the tests compare.
 
 #include "core/failure.h"
-#include "core/ports/system.h"
 #include "platform/organizer_folder/folder_organizer.h"
 #include "platform/scratch_directory.h"
+#include "support/fixed_clock.h"
 
 #include <string>
 #include <vector>
 
 namespace tandolin::testing {
 
-struct OrganizerClock : Clock {
-    Date moment = at(2026, 11, 21, 10, 0);
-
-    [[nodiscard]] Date now() const override { return moment; }
-};
-
 /// root/calendar, removed at the end.
 struct OrganizerFolder {
     ScratchDirectory scratch;
     std::filesystem::path root = scratch.path;
-    OrganizerClock clock;
+    FixedClock clock;
     std::string zone = "Europe/Berlin";
     bool dryRun = false;
 

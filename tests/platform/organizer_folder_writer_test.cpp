@@ -248,28 +248,22 @@ TEST_CASE("line ends and folds of a file are kept") {
 }
 
 TEST_CASE("zones describe themselves") {
-
-    struct Case {
-        const char* zone;
-        const char* part;
-    };
-
     // The rules of zones that change on a day without a place of its own in the month.
-    for (const Case& c : std::to_array<Case>({
+    for (const auto& [zone, part] : std::to_array<std::tuple<const char*, const char*>>({
              {"Asia/Kolkata", "DTSTART:19700101T000000\nTZOFFSETFROM:+0530\nTZOFFSETTO:+0530\n"},
              {"America/New_York", "RRULE:FREQ=YEARLY;BYMONTH=3;BYDAY=2SU\n"},
              {"Australia/Lord_Howe", "TZOFFSETFROM:+1030\nTZOFFSETTO:+1100\n"},
              {"Asia/Jerusalem",
               "RRULE:FREQ=YEARLY;BYMONTH=3;BYMONTHDAY=23,24,25,26,27,28,29;BYDAY=FR\n"},
          })) {
-        CAPTURE(c.zone);
-        const ical::Zones own(c.zone);
+        CAPTURE(zone);
+        const ical::Zones own(zone);
         const auto text = ical::describedZone(own.local(), 1'800'000'000);
         REQUIRE(text);
-        CHECK(text->find(c.part) != std::string::npos);
+        CHECK(text->find(part) != std::string::npos);
         // A reader of that text alone comes to the same clock.
         const std::string file = "BEGIN:VCALENDAR\n" +
-                                 replaced(*text, std::string("TZID:") + c.zone, "TZID:Own Zone") +
+                                 replaced(*text, std::string("TZID:") + zone, "TZID:Own Zone") +
                                  "END:VCALENDAR\n";
         const ical::ContentLines lines(file);
         ical::Zones readers("Europe/Berlin");

@@ -11,20 +11,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-struct Counts {
-    int files = 0;
-    int unreadable = 0;
-    int items = 0;
-    int changed = 0;
-
-    void tell(const char* kind) const {
-        MESSAGE(kind << ": " << files << " files, " << unreadable << " unreadable, " << items
-                     << " items saved, " << changed << " files changed by it");
-        CHECK(items > 0);
-    }
-};
-
-int saveAppointments(platform::FolderOrganizer& organizer) {
+std::size_t saveAppointments(platform::FolderOrganizer& organizer) {
     CalendarFolder& calendar = organizer.GetDefaultCalendarFolder();
     std::vector<Text> ids;
     for (const auto* facts = calendar.Find({at(1900, 1, 1), at(2100, 1, 1)}); facts != nullptr;
@@ -37,10 +24,10 @@ int saveAppointments(platform::FolderOrganizer& organizer) {
         item->setSubject(item->facts().Subject);
         item->Save();
     }
-    return static_cast<int>(ids.size());
+    return ids.size();
 }
 
-int saveContacts(platform::FolderOrganizer& organizer) {
+std::size_t saveContacts(platform::FolderOrganizer& organizer) {
     ContactFolder& contacts = organizer.GetContactItems(organizer.GetDefaultContactFolder());
     contacts.Sort(ContactOrder::LastName);
     for (std::size_t i = 1; i <= contacts.Count(); ++i) {
@@ -48,18 +35,18 @@ int saveContacts(platform::FolderOrganizer& organizer) {
         item->set(item->facts());
         item->Save();
     }
-    return static_cast<int>(contacts.Count());
+    return contacts.Count();
 }
 
 /// Each file for itself: many of them bear the same UID.
 void saveAll(const char* kind, const std::string& folder,
-             int (*save)(platform::FolderOrganizer& organizer)) {
+             std::size_t (*save)(platform::FolderOrganizer& organizer)) {
     const fs::path samples = fs::path(TANDOLIN_SAMPLES) / kind;
     if (!fs::exists(samples)) {
         MESSAGE("no samples at " << TANDOLIN_SAMPLES);
         return;
     }
-    Counts counts;
+    std::size_t items = 0;
     for (const auto& entry : fs::directory_iterator(samples)) {
         CAPTURE(entry.path().filename().string());
         const OrganizerFolder world;
@@ -68,14 +55,10 @@ void saveAll(const char* kind, const std::string& folder,
         const std::string bytes = bytesOf(entry.path());
         world.put(name, bytes);
         auto organizer = world.open();
-        ++counts.files;
-        counts.items += save(organizer);
-        counts.unreadable += organizer.unreadable().empty() ? 0 : 1;
-        const bool same = world.bytesOf(name) == bytes;
-        CHECK(same);
-        counts.changed += same ? 0 : 1;
+        items += save(organizer);
+        CHECK((world.bytesOf(name) == bytes));
     }
-    counts.tell(kind);
+    CHECK(items > 20);
 }
 
 } // namespace

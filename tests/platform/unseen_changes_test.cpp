@@ -99,6 +99,13 @@ TEST_CASE("A change in the last moment is never lost to an edit or a removal of 
     other.act = [&] { folder.put(kName, theirs); };
     CHECK(failureOf([&] { item->Save(); }) == kOrganizer);
     CHECK(folder.bytesOf(kName) == theirs);
+    // Whoever copies what is changed may forbid the change.
+    const auto forbidden = organizer.GetDefaultCalendarFolder().GetItemFromID(u"u1");
+    forbidden->setSubject(u"Ours");
+    other.act = [] { throw Failure(failure_number::kDiskFull, u"full"); };
+    CHECK(failureOf([&] { forbidden->Save(); }) == failure_number::kDiskFull);
+    CHECK(failureOf([&] { forbidden->Delete(); }) == failure_number::kDiskFull);
+    CHECK(folder.bytesOf(kName) == theirs);
     const std::string again = theirs + "\r\n";
     other.act = [&] { folder.put(kName, again); };
     CHECK(failureOf([&] { item->Delete(); }) == kOrganizer);
