@@ -43,10 +43,6 @@ struct FolderProgram : RunFolder {
     }
 };
 
-bool holds(const std::string& text, const std::string& part) {
-    return text.find(part) != std::string::npos;
-}
-
 } // namespace
 
 TEST_CASE("The contact folders are listed, and nothing changes") {
@@ -87,22 +83,6 @@ TEST_CASE("A choice moves the mark and reaches the settings, unless it is a prev
     CHECK(holds(program.listHere().out, "* Arbeit\\Freunde\n"));
     CHECK(holds(program.listHere({"--json"}).out,
                 "-\",\"inUse\":true},{\"parent\":\"organizer\",\"name\":\"Freunde\""));
-}
-
-TEST_CASE("A choice that cannot be kept ends the run before anything is read") {
-    const FolderProgram program;
-    program.object(1, "CATEGORIES:MISCELLANEOUS\r\nDTSTART:20270305T180000Z\r\n"
-                      "DTEND:20270305T200000Z\r\nDESCRIPTION:Kino\r\n");
-    for (const auto& [name, exit] : {std::pair("Feinde", 4), std::pair("freunde", 2)}) {
-        const Tree before = program.tree("organizer");
-        const std::string settings = bytesOf(program.scratch.path / "settings.toml");
-        const Outcome run = program.run({"VCAL", "--no-backup", "--contact-folder", name});
-        CAPTURE(run.errors);
-        CHECK(run.exit == exit);
-        CHECK(program.tree("organizer") == before);
-        CHECK_FALSE(holds(bytesOf(program.scratch.path / "settings.toml"), "Folder"));
-        CHECK_FALSE(holds(run.errors, "There is no window"));
-    }
 }
 
 TEST_CASE("How a listing ends that cannot be made") {

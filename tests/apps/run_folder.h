@@ -13,14 +13,18 @@
 
 namespace tandolin::testing {
 
+/// Path below the folder to bytes.
+using Tree = std::map<std::string, std::string>;
+
 struct Outcome {
     int exit = 0;
     std::string out;
     std::string errors;
 };
 
-/// Path below the folder to bytes.
-using Tree = std::map<std::string, std::string>;
+inline bool holds(const std::string& text, const std::string& part) {
+    return text.find(part) != std::string::npos;
+}
 
 struct RunFolder {
     ScratchDirectory scratch;

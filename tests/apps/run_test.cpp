@@ -15,20 +15,13 @@ void fill(const RunFolder& folder) {
     folder.item("kino", "DTSTART:20270305T180000Z\r\nDTEND:20270305T200000Z\r\nSUMMARY:Kino\r\n");
 }
 
-bool holds(const std::string& text, const std::string& part) {
-    return text.find(part) != std::string::npos;
-}
-
 } // namespace
 
-TEST_CASE("Quiet, normal and verbose") {
+TEST_CASE("Normal and verbose") {
     const RunFolder folder;
     fill(folder);
     folder.item("anders",
                 "DTSTART:20270302T090000Z\r\nDTEND:20270302T100000Z\r\nSUMMARY:Anders\r\n");
-    const Outcome quiet = folder.run({"VCAL", "--quiet", "--dry-run"});
-    CHECK(quiet.exit == 0);
-    CHECK(quiet.out == "");
     const Outcome normal = folder.run({"VCAL", "--dry-run"});
     CHECK(holds(normal.out, "Zusammenfassung\n"));
     CHECK(holds(normal.out, "\n\nPIM erstellt 2027-03-02 09:00:00 Notiz Zahnarzt\n"));
@@ -73,4 +66,49 @@ TEST_CASE("A first start makes its settings and needs nothing else") {
     CHECK(holds(bytesOf(settings), "HomeDir = \""));
     CHECK(modeOf(settings) == 0600);
     CHECK(modeOf(folder.scratch.path / "home/logFile.rtf") == 0600);
+}
+
+TEST_CASE("Notes stand behind the rows, and a quiet run prints none") {
+    const RunFolder folder;
+    folder.object(1, "CATEGORIES:MISCELLANEOUS\r\nDTSTART:20270305T190000Z\r\n"
+                     "DTEND:20270305T210000Z\r\nDESCRIPTION:Kino\r\n");
+    folder.item("kurs", "DTSTART:20270301T170000Z\r\nDTEND:20270301T180000Z\r\n"
+                        "RRULE:FREQ=WEEKLY;INTERVAL=2\r\nSUMMARY:Kurs\r\n");
+    folder.item("kino", "DTSTART:20270305T200000Z\r\nDTEND:20270305T220000Z\r\nSUMMARY:Kino\r\n");
+    const std::string notes =
+        "\nseries: organizer calendar/kurs.ics Kurs: every 2 weeks becomes every week\n"
+        "nearMatch: phone 1.vcs Kino: the organizer's \"Kino\" of 2027-03-05 20:00 "
+        "(calendar/kino.ics) stays another entry: the starts differ\n";
+    const Outcome quiet = folder.run({"VCAL", "--dry-run", "--quiet"});
+    CHECK(quiet.out.empty());
+    CHECK_FALSE(holds(quiet.errors, "Kurs"));
+    CHECK(folder.run({"VCAL"}).out.ends_with(notes));
+    CHECK_FALSE(holds(folder.run({"VCAL"}).out, "series:"));
+}
+
+TEST_CASE("A text with line breaks: one line a row, in its columns, and its loss is told") {
+    const RunFolder folder;
+    folder.item("kino", "DTSTART:20270305T200000Z\r\nDTEND:20270305T220000Z\r\n"
+                        "SUMMARY:line one\\nline two\r\n");
+    const Outcome run = folder.run({"VCAL", "--accept-empty-phone"});
+    CHECK(run.exit == 0);
+    CHECK(holds(run.out, " line one line two"));
+    CHECK(holds(run.out, "cut: organizer calendar/kino.ics line one line two"));
+    CHECK(holds(run.out, "the phone gives it back as 'line one ine two"));
+    CHECK_FALSE(holds(folder.tree("home").begin()->second, "\nline two"));
+}
+
+TEST_CASE("A side of a later version is refused before anything is read") {
+    const RunFolder folder;
+    folder.put("settings.toml", "damaged = = =\n");
+    std::ostringstream out;
+    std::ostringstream errors;
+    const int exit = program::runProgram("halverntandolin",
+                                         {"VCAL", "--phone", "obex+tty:/dev/x", "--settings",
+                                          (folder.scratch.path / "settings.toml").string()},
+                                         out, errors, {});
+    CHECK(exit == 2);
+    CHECK(errors.str() ==
+          "obex+tty:/dev/x is not available in this version; nothing was read or written\n");
+    CHECK(folder.tree("state").empty());
 }

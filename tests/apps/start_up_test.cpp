@@ -4,6 +4,7 @@
 #include "log/log_tables.h"
 #include "support/fake_organizer.h"
 #include "support/fake_phone.h"
+#include "support/fake_system.h"
 #include "support/fresh_program.h"
 
 using namespace tandolin;
@@ -11,61 +12,13 @@ using namespace tandolin::testing;
 
 namespace {
 
-struct NoLanguages : LanguageLibrary {
-    int open(TextView) override { return 0; }
-
-    [[nodiscard]] int lastError() const override { return 2; }
-
-    Text string(int, int) override { return {}; }
-
-    void free(int) override {}
-};
-
-struct Instances : InstanceLink {
-    bool previous = false;
-    bool fails = false;
-    int kills = 0;
-    int activations = 0;
-
-    bool previousInstance() override {
-        if (fails) {
-            throw Failure(failure_number::kPermission, u"no lock");
-        }
-        return previous;
-    }
-
-    void activate() override { ++activations; }
-
-    void kill() override { ++kills; }
-};
-
-struct Files : HomeFiles {
-    bool unwritable = false;
-    std::vector<Text> written;
-    std::vector<Text> trace;
-
-    void ensureWritable(TextView) override {
-        if (unwritable) {
-            throw Failure(failure_number::kPermission, u"read-only");
-        }
-    }
-
-    void write(TextView path, TextView) override { written.emplace_back(path); }
-
-    void openTrace(TextView) override {}
-
-    void append(TextView text) override { trace.emplace_back(text); }
-
-    void closeTrace() override {}
-};
-
 /// The whole program over fakes, with one entry to send.
 struct Started : FreshProgram {
     FakePhone phone;
     FakeOrganizer organizer;
-    NoLanguages languages;
-    Instances instances;
-    Files files;
+    FakeLanguages languages;
+    FakeInstances instances;
+    FakeFiles files;
 
     Started() {
         phone.connect();
@@ -119,13 +72,6 @@ TEST_CASE("How a silent run ends") {
               false},
              {"a home that cannot be written", [](Started& p) { p.files.unwritable = true; },
               ExitStatus::startFailed, 0, false},
-             {"no phone server",
-              [](Started&) {
-                  app.ports.makePhoneServer = []() -> std::unique_ptr<PhoneServer> {
-                      throw Failure(failure_number::kNotFound, u"none");
-                  };
-              },
-              ExitStatus::phone, 0, true},
              {"a phone that does not answer",
               [](Started& p) {
                   p.phone.fault = {1, {failure_number::kServerGone, u"gone"}, true};
@@ -136,10 +82,6 @@ TEST_CASE("How a silent run ends") {
                   p.organizer.fault = {5, {failure_number::kOrganizer, u"gone"}, true};
               },
               ExitStatus::organizer, 0, true},
-             {"an organizer of an old version", [](Started& p) { p.organizer.version = u"7.9"; },
-              ExitStatus::organizer, 0, true},
-             {"nothing to kill", [](Started&) { app.core.commandLine = u"VCAL KILL"; },
-              ExitStatus::done, 0, false},
              {"Cancel before anything was read",
               [](Started& p) {
                   p.screen.cancelNow = true;
@@ -153,7 +95,7 @@ TEST_CASE("How a silent run ends") {
         Main();
         CHECK(exitStatus() == c.exit);
         CHECK(program.writes() == c.writes);
-        CHECK((program.files.written == std::vector<Text>{u"/home/me\\logFile.rtf"}) == c.logged);
+        CHECK((program.files.paths == std::vector<Text>{u"/home/me\\logFile.rtf"}) == c.logged);
         CHECK_FALSE(program.screen.statusOpen);
         CHECK(app.phone.PXDServer == nullptr);
         CHECK(app.organizer.MOL == nullptr);
@@ -185,20 +127,12 @@ TEST_CASE("A second start of a run with a window hands over or kills") {
     }
 }
 
-TEST_CASE("A silent run sends at once whatever the settings say, and stores nothing of it") {
-    Started program;
-    program.set(u"SaveTyp", SettingValue(std::int64_t{2}));
-    Main();
-    CHECK(program.writes() == 1);
-    CHECK(tables.RSCalendarSave.isEmpty());
-    CHECK(std::get<std::int64_t>(
-              *program.settings.read(SettingsRoot::user, kSettingsKey, u"SaveTyp")) == 2);
-}
-
 TEST_CASE("A store that cannot bring its writes to the disk makes the run incomplete") {
     for (const bool phoneFails : {true, false}) {
         Started counted;
         Main();
+        CHECK(counted.phone.calls.back() == u"flush ");
+        CHECK(counted.organizer.calls.back() == u"flush");
         Started program;
         if (phoneFails) {
             program.phone.fault.call = counted.phone.calls.size();
