@@ -75,7 +75,6 @@ TEST_CASE("turning to sending at once with changes that wait") {
     for (const Case& c : std::to_array<Case>({
              {"nothing waits: no question", false, false, Answer::no, 0, "", 1, false},
              {"yes, all sent", true, false, Answer::yes, 0, "transfer ", 1, false},
-             {"yes, a contact waits", false, true, Answer::yes, 0, "transfer ", 1, false},
              {"yes, not all sent", true, true, Answer::yes, 2, "transfer ", 2, true},
              {"no: they are dropped", true, true, Answer::no, 0, "clear ", 1, false},
          })) {
@@ -137,19 +136,6 @@ TEST_CASE("what else follows from OK") {
         CHECK(program.stored(u"freeMobileEntries") == 5);
         CHECK(program.window.boxesShown.size() == 1);
     }
-    SUBCASE("without a phone they stay what they are") {
-        form.Puffer_Anzahl = u"10";
-        cmdOK_Click(program.actions);
-        CHECK(app.phone.vCalMaxEntries == 0);
-        CHECK(program.stored(u"freeMobileEntries") == 10);
-        CHECK(program.window.boxesShown.empty());
-    }
-    SUBCASE("font and contact folder reach their windows") {
-        form.Font_auswahl = u"Serif";
-        form.FolderComboBox = u"Konto\\Freunde";
-        cmdOK_Click(program.actions);
-        CHECK(program.setOff == "contacts font ");
-    }
     SUBCASE("a number that does not fit changes nothing at all") {
         form.ReadOnStart = true;
         form.Puffer_Anzahl = u"99999";
@@ -166,25 +152,22 @@ TEST_CASE("what else follows from OK") {
 }
 
 TEST_CASE("AutoSync is offered with the setting and an organizer, and waits while changes queue") {
-    struct Case {
-        bool sync, organizer, later;
-        bool visible, enabled;
-    };
-
-    for (const Case& c : std::to_array<Case>({{true, true, false, true, true},
-                                              {true, true, true, true, false},
-                                              {true, false, false, false, true},
-                                              {false, true, true, false, false}})) {
-        CAPTURE(c.sync + 2 * c.organizer + 4 * c.later);
+    for (const auto& [sync, organizer, later, visible, enabled] :
+         std::to_array<std::tuple<bool, bool, bool, bool, bool>>(
+             {{true, true, false, true, true},
+              {true, true, true, true, false},
+              {true, false, false, false, true},
+              {false, true, true, false, false}})) {
+        CAPTURE(sync + 2 * organizer + 4 * later);
         DialogProgram program;
-        app.organizer.OrganizerPresent = flagOf(c.organizer);
+        app.organizer.OrganizerPresent = flagOf(organizer);
         SettingsForm& form = program.open();
-        form.sync_check = c.sync;
-        form.SaveTyp = c.later ? TransferTime::saveLater : TransferTime::saveNow;
+        form.sync_check = sync;
+        form.SaveTyp = later ? TransferTime::saveLater : TransferTime::saveNow;
         cmdOK_Click(program.actions);
         for (const Text band : {u"TDLTools", u"TDLOrganizerMenu"}) {
-            CHECK(program.window.visible.at(band + u"/TDLAutoSync") == c.visible);
-            CHECK(program.window.tools.at(band + u"/TDLAutoSync") == c.enabled);
+            CHECK(program.window.visible.at(band + u"/TDLAutoSync") == visible);
+            CHECK(program.window.tools.at(band + u"/TDLAutoSync") == enabled);
         }
     }
 }
