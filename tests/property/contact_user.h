@@ -151,7 +151,8 @@ struct ContactUser : QueuedUser<ContactKind> {
 
     void tick() override {
         const bool toPhone = table[con::PIM];
-        if ((toPhone && table[con::Mobile]) || (toPhone && !phoneHasRoom())) {
+        // A row of neither side is one whose removal failed.
+        if (toPhone == table[con::Mobile] || (toPhone && !phoneHasRoom())) {
             return;
         }
         const People before = now();

@@ -93,7 +93,9 @@ struct Machine : CalendarUser {
         if (ranClean()) {
             requireComplete(plan, after);
             // What the run before has filled mode 1 empties again, to write it anew.
-            requireQuiet(SilentAutoSyncvCal, [&] { return plan.mayRemove(now()) > 0; });
+            if (plan.mayRemove(now()) == 0) {
+                requireQuiet(SilentAutoSyncvCal, 3);
+            }
         }
     }
 
