@@ -15,7 +15,6 @@ namespace {
 
 /// A row that is not whole must not look like a contact that is missing on one side.
 void insertWhole(const ContactFacts& item, Table<Contact>& row) {
-    vCardCreateNewRecord(row);
     if (!vCardInsertEntry(item, row)) {
         throw Failure(failure_number::kOrganizer, u"A contact could not be read: " + item.File);
     }
@@ -85,6 +84,7 @@ bool ContactPairing::handOver(Bookmark pair, const Text& key) {
     const auto item = contactItemsInUse().FactsOf(table_[con::UID]);
     Table<Contact> partner;
     if (item) {
+        vCardCreateNewRecord(partner);
         insertWhole(*item, partner);
     }
     const auto mayFill = [&](const Table<Contact>& phone, const Table<Contact>& /*organizer*/) {

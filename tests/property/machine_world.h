@@ -244,6 +244,7 @@ struct MachineWorld : SyncWorld {
     static void requireEnded() {
         require(tables.RSCalendar.isEmpty() && tables.RSCalendarSave.isEmpty() &&
                     tables.RSContacts.isEmpty() && tables.RSContactsSave.isEmpty() &&
+                    tables.RSCalendarWork.isEmpty() && tables.RSContactsWork.isEmpty() &&
                     app.phone.vCalEntryCount == 0 && app.phone.vCardEntryCount == 0 &&
                     app.organizer.vCalPIMCount == 0 && app.organizer.vCardPIMCount == 0 &&
                     !app.phone.vCalRead && !app.phone.vCardRead && !app.organizer.vCalPIMRead &&
