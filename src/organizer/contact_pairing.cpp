@@ -3,6 +3,7 @@
 #include "core/state.h"
 #include "formats/contact_codec.h"
 #include "organizer/contact_reading.h"
+#include "store/contact_twins.h"
 #include "store/work_row.h"
 #include "sync/contact_matching.h"
 #include "sync/contact_on_phone.h"
@@ -23,18 +24,18 @@ void insertWhole(const ContactFacts& item, Table<Contact>& row) {
 } // namespace
 
 ContactPairing::ContactPairing(Table<Contact>& table)
-    : table_(table), phoneThere_(app.phone.vCardRead && app.phone.vCardEntryCount >= 1) {}
+    : table_(table), phoneThere_(app.phone.vCardRead && app.phone.vCardEntryCount >= 1),
+      fillsLater_(phoneThere_ && app.sync.AutoSyncRunning) {}
 
 void ContactPairing::take(const ContactFacts& item) {
     const WorkRow row(tables.RSContactsWork, vCardCreateNewRecord);
     Table<Contact>& work = tables.RSContactsWork;
     insertWhole(item, work);
-    if (phoneThere_ && findSameContact(table_, work)) {
+    if (phoneThere_ &&
+        (fillsLater_ ? findSameContact(table_, work) : vCardFindCompare(table_, work))) {
         vCardSyncOutlookEntry(table_, work);
-    } else if (phoneThere_ && app.sync.AutoSyncRunning) {
-        unlike_.AddCopy(work.row());
     } else {
-        table_.AddCopy(work.row());
+        (fillsLater_ ? unlike_ : table_).AddCopy(work.row());
     }
 }
 
@@ -57,24 +58,28 @@ void ContactPairing::pairFilled() {
         return standIns().take(phone, organizer);
     };
     for (unlike_.MoveFirst(); !unlike_.atEnd(); unlike_.MoveNext()) {
-        if (vCardFindCompare(table_, unlike_, mayFill)) {
+        if (findFilledContact(table_, unlike_, mayFill)) {
             vCardSyncOutlookEntry(table_, unlike_);
             unlike_.Delete();
         }
     }
 }
 
-/// The phone may hold this contact in a form that is word for word another contact, and that one
-/// has taken it for its own. Where that one finds somebody else once it is filled, it hands over.
+/// The phone may hold this contact in a form that is word for word another contact, who has taken
+/// it for his own. Where he finds somebody else once he is filled, he hands it over.
 void ContactPairing::freeStandIn(const Table<Contact>& organizer) {
     const ContactOnPhone form(organizer);
+    if (!form.isChanged()) {
+        return;
+    }
     const Text key = contactKey(form.row());
-    table_.MoveFirst();
-    for (; table_.Find(con::LastName, form.row()[con::LastName], Compare::text);
-         table_.MoveNext()) {
-        const bool standsIn = table_[con::EntryType] == CONST_ENTRY_vCAL_BOTH &&
-                              contactKey(table_) == key && contactKey(organizer) != key;
-        if (standsIn && standIns().isMissed(key) && handOver(table_.bookmark(), key)) {
+    const TextView name = form.row()[con::LastName];
+    for (table_.MoveFirst(); table_.Find(con::LastName, name, Compare::text); table_.MoveNext()) {
+        // One that was filled shows more than the phone holds.
+        const bool isPairOfEquals = table_[con::EntryType] == CONST_ENTRY_vCAL_BOTH &&
+                                    table_[con::TransferNew] != CONST_ENTRY_vCAL_MOBILE;
+        if (isPairOfEquals && contactKey(table_) == key && standIns().isMissed(key) &&
+            handOver(table_.bookmark(), key)) {
             return;
         }
     }
@@ -82,15 +87,16 @@ void ContactPairing::freeStandIn(const Table<Contact>& organizer) {
 
 bool ContactPairing::handOver(Bookmark pair, const Text& key) {
     const auto item = contactItemsInUse().FactsOf(table_[con::UID]);
-    Table<Contact> partner;
-    if (item) {
-        vCardCreateNewRecord(partner);
-        insertWhole(*item, partner);
+    if (!item) {
+        return false;
     }
+    Table<Contact> partner;
+    vCardCreateNewRecord(partner);
+    insertWhole(*item, partner);
     const auto mayFill = [&](const Table<Contact>& phone, const Table<Contact>& /*organizer*/) {
         return phone[con::EntryType] == CONST_ENTRY_vCAL_MOBILE && standIns().exchange(phone, key);
     };
-    const bool found = item && findFilledContact(table_, partner, mayFill);
+    const bool found = findFilledContact(table_, partner, mayFill);
     if (found) {
         vCardSyncOutlookEntry(table_, partner);
     }
@@ -98,6 +104,9 @@ bool ContactPairing::handOver(Bookmark pair, const Text& key) {
     if (found) {
         leaveOrganizer(table_);
         table_.set(con::UID, u"");
+        for (const ContactTwin& twin : kContactTwins) {
+            table_.set(twin.organizer, Text(table_[twin.phone]));
+        }
     }
     return found;
 }

@@ -34,6 +34,7 @@ private:
     Table<Contact> unlike_;                   ///< in AutoSync, what no contact of the phone says
     std::optional<ContactStandIns> standIns_; ///< most runs need none
     bool phoneThere_;
+    bool fillsLater_;
 };
 
 } // namespace tandolin

@@ -28,7 +28,7 @@ void createItem(Table<Contact>& row) {
     const auto item = contactItemsInUse().Add();
     item->set(newContact(row));
     saveOnce(*item, isStored);
-    const ContactFacts stored = item->facts();
+    const ContactFacts& stored = item->facts();
     tellQueuedWrites(Text(row[con::EntryID]), con::UID, stored.EntryID);
     row.set(con::UID, stored.EntryID);
     row.set(con::CreationDate, stored.CreationTime);

@@ -28,7 +28,7 @@ bool sameWhenFilled(Table<Contact>& main, Table<Contact>& work, const MayFill& m
         return false;
     }
     const FilledCopies filled(main, work);
-    if (!sameContact(filled.main, filled.work) || (mayFill && !mayFill(main, work))) {
+    if (!sameContact(filled.main, filled.work) || !mayFill(main, work)) {
         return false;
     }
     main.assignRow(filled.main.row());
@@ -55,22 +55,26 @@ bool findFilledContact(Table<Contact>& mainTable, Table<Contact>& workTable,
                         [&] { return sameWhenFilled(mainTable, workTable, mayFill); });
 }
 
-bool vCardFindCompare(Table<Contact>& mainTable, Table<Contact>& workTable,
-                      const MayFill& mayFill) {
+bool vCardFindCompare(Table<Contact>& mainTable, Table<Contact>& workTable) {
     return trapped({u"Verwaltung", u"vCardFindCompare"}, false, [&](bool& found) {
         // One that says the same goes before one that would only once it is filled: that one is
         // another's partner, who would be copied anew on every run.
         found = findSameContact(mainTable, workTable) ||
-                (app.sync.AutoSyncRunning && findFilledContact(mainTable, workTable, mayFill));
+                (app.sync.AutoSyncRunning &&
+                 findFilledContact(mainTable, workTable, [](auto&, auto&) { return true; }));
     });
 }
 
 TextView whyTwoContacts(const Table<Contact>& main, const Table<Contact>& work) {
-    if (!app.sync.AutoSyncRunning || !firstNamesAgree(main, work)) {
-        return firstFailedRule(main, work);
+    if (!sameText(main[con::LastName], work[con::LastName])) {
+        return u"the last names differ";
     }
-    const FilledCopies filled(main, work);
-    return firstFailedRule(filled.main, filled.work);
+    TextView rule = firstFailedRule(main, work);
+    if (!rule.empty() && app.sync.AutoSyncRunning && firstNamesAgree(main, work)) {
+        const FilledCopies filled(main, work);
+        rule = firstFailedRule(filled.main, filled.work);
+    }
+    return rule.empty() ? u"one of them is a third contact as the phone holds it" : rule;
 }
 
 } // namespace tandolin

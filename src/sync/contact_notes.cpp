@@ -144,10 +144,8 @@ void collectNamesakes(Table<Contact>& table) {
         CopyFromRecordset(phone, table);
         const KeepPosition keepRow(table);
         table.goTo(namesake->second);
-        const TextView rule = whyTwoContacts(table, phone);
-        put(phone,
-            u"the organizer's " + described(table) + u" stays another contact: " +
-                Text(rule.empty() ? u"one of them is the same as a third on the phone" : rule));
+        put(phone, u"the organizer's " + described(table) + u" stays another contact: " +
+                       Text(whyTwoContacts(table, phone)));
     }
 }
 
@@ -157,10 +155,8 @@ void noteHeldBack(Table<Contact>& table, Bookmark phoneRow, Bookmark organizerRo
     table.goTo(phoneRow);
     phone.AddCopy(table.row());
     table.goTo(organizerRow);
-    const TextView rule = whyTwoContacts(table, phone);
     put(phone, u"not copied, it is the organizer's " + described(table) +
-                   u" as the phone holds it; they stay two: " +
-                   Text(rule.empty() ? u"the last names differ" : rule));
+                   u" as the phone holds it; they stay two: " + Text(whyTwoContacts(table, phone)));
 }
 
 } // namespace tandolin

@@ -4,6 +4,7 @@
 #include "formats/ansi.h"
 #include "formats/contact_codec.h"
 #include "formats/contact_compares.h"
+#include "store/contact_twins.h"
 
 #include <algorithm>
 #include <array>
@@ -73,6 +74,13 @@ Text bare(TextView text) {
 ContactOnPhone::ContactOnPhone(const Table<Contact>& organizer) {
     row_.AddCopy(organizer.row());
     vCardLenControl(row_);
+    sendAndRead();
+    changed_ = std::ranges::any_of(kContactTwins, [&](const ContactTwin& twin) {
+        return row_[twin.phone] != organizer[twin.phone];
+    });
+}
+
+void ContactOnPhone::sendAndRead() {
     if (comesBack(row_)) {
         return;
     }
@@ -104,7 +112,10 @@ Text contactKey(const Table<Contact>& row) {
         }
     }
     for (const Field<Contact, Text> field : kNumbers) {
-        key.append(digitsOf(row[field])).append(1, kBetween);
+        if (const TextView number = row[field]; !number.empty()) {
+            key += digitsOf(number);
+        }
+        key += kBetween;
     }
     const Text url = bare(row[con::URL]);
     key += TextView(url).substr(url.starts_with(kScheme) ? kScheme.size() : 0);

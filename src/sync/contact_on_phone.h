@@ -18,11 +18,17 @@ public:
     /// One row.
     [[nodiscard]] const Table<Contact>& row() const { return row_; }
 
+    /// Does a field come back in other words?
+    [[nodiscard]] bool isChanged() const { return changed_; }
+
     /// Why it cannot be sent: the phone's character set lacks one of its letters.
     [[nodiscard]] const std::optional<Failure>& failure() const { return failure_; }
 
 private:
+    void sendAndRead();
+
     Table<Contact> row_;
+    bool changed_ = false;
     std::optional<Failure> failure_;
 };
 

@@ -18,12 +18,14 @@ ContactStandIns::ContactStandIns(Table<Contact>& table, Table<Contact>& organize
 }
 
 bool ContactStandIns::take(const Table<Contact>& phone, const Table<Contact>& organizer) {
-    std::int32_t& ofOrganizer = surplus_[contactKey(ContactOnPhone(organizer).row())];
-    if (ofOrganizer >= 0) {
-        return false;
+    const Text phoneKey = contactKey(phone);
+    const Text organizerKey = contactKey(ContactOnPhone(organizer).row());
+    if (phoneKey == organizerKey) {
+        return true; // they stand for each other
     }
-    std::int32_t& ofPhone = surplus_[contactKey(phone)];
-    if (ofPhone <= 0) {
+    std::int32_t& ofPhone = surplus_[phoneKey];
+    std::int32_t& ofOrganizer = surplus_[organizerKey];
+    if (ofPhone <= 0 || ofOrganizer >= 0) {
         return false;
     }
     --ofPhone;

@@ -92,7 +92,7 @@ private:
     public:
         Opened(FakeContacts& store, ContactFacts facts) : store_(store), facts_(std::move(facts)) {}
 
-        [[nodiscard]] ContactFacts facts() const override { return facts_; }
+        [[nodiscard]] const ContactFacts& facts() const override { return facts_; }
 
         void set(const ContactFacts& facts) override {
             ContactFacts wanted = facts;

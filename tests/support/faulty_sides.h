@@ -176,7 +176,7 @@ public:
     FaultyContact(std::unique_ptr<ContactItem> item, FaultScript& script)
         : item_(std::move(item)), script_(script) {}
 
-    [[nodiscard]] ContactFacts facts() const override { return item_->facts(); }
+    [[nodiscard]] const ContactFacts& facts() const override { return item_->facts(); }
 
     void set(const ContactFacts& facts) override { item_->set(facts); }
 

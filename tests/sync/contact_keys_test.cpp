@@ -48,7 +48,7 @@ struct ContactWorld : SyncWorld {
 
 TEST_CASE("Namesakes do not grow by one on every run") {
     // The phone holds the long name cut, as it holds the other one's: what stands for the one must
-    // not become the other's partner. Each world has two people.
+    // not become the other's partner.
     const TextView cut = u"Oberstudiendirektorin vo";
     const TextView whole = u"Oberstudiendirektorin von";
 
@@ -58,26 +58,39 @@ TEST_CASE("Namesakes do not grow by one on every run") {
 
     struct World {
         const char* name;
-        std::string card; // behind the cut name
+        std::vector<std::string> cards; // behind the cut name
         std::vector<Person> people;
+        std::size_t size;
     };
 
-    for (const World& two : std::vector<World>{
-             {"a card that the phone has for itself", "", {{whole, u"123", u""}}},
+    const std::string home = "\r\nTEL;HOME;VOICE:123";
+    for (const World& given : std::vector<World>{
+             {"a card that the phone has for itself", {""}, {{whole, u"123", u""}}, 2},
              {"one is filled by the other's card",
-              "\r\nTEL;HOME;VOICE:123",
-              {{cut, u"", u"456"}, {whole, u"", u""}}},
+              {home},
+              {{cut, u"", u"456"}, {whole, u"", u""}},
+              2},
              {"one says what the other's card says",
-              "",
-              {{cut, u"123", u""}, {whole, u"123", u""}}},
-             {"one says no more than the other's card", "", {{cut, u"123", u""}, {cut, u"", u""}}},
+              {""},
+              {{cut, u"123", u""}, {whole, u"123", u""}},
+              2},
+             {"one says no more than the other's card",
+              {""},
+              {{cut, u"123", u""}, {cut, u"", u""}},
+              2},
+             {"one is filled from a card that says less than the other",
+              {"", home},
+              {{cut, u"", u"456"}, {whole, u"", u"456"}},
+              3},
          }) {
-        CAPTURE(two.name);
+        CAPTURE(given.name);
         ContactWorld world;
         app.core.GlobalSilentMode = kTrue;
         app.settings.SyncTyp = 4;
-        world.putCard(13, "N:Oberstudiendirektorin vo;" + two.card);
-        for (const Person& person : two.people) {
+        for (int number = 13; const std::string& card : given.cards) {
+            world.putCard(number++, "N:Oberstudiendirektorin vo;" + card);
+        }
+        for (const Person& person : given.people) {
             const Text id = u"u" + decimal(std::ssize(world.organizer.contacts.items));
             auto& item = world.organizer.contacts.add(id, Text(person.lastName), u"");
             item.HomeTelephoneNumber = person.home;
@@ -87,8 +100,8 @@ TEST_CASE("Namesakes do not grow by one on every run") {
             CAPTURE(run);
             PXDInfoAll(phoneServer(), app.phone.GlobalMobilePaths);
             SilentAutoSyncvCard();
-            CHECK(world.cards() == 2);
-            CHECK(world.organizer.contacts.items.size() == 2);
+            CHECK(world.cards() == given.size);
+            CHECK(world.organizer.contacts.items.size() == given.size);
         }
     }
 }

@@ -54,8 +54,8 @@ struct ContactFacts {
 class ContactItem {
 public:
     virtual ~ContactItem() = default;
-    /// The facts as stored, or as last set.
-    [[nodiscard]] virtual ContactFacts facts() const = 0;
+    /// The facts as stored, or as last set; they change with the next `set` or `Save`.
+    [[nodiscard]] virtual const ContactFacts& facts() const = 0;
     /// What the contact is to say. A member that equals the stored one keeps what the store holds
     /// of it, other ways of writing it and unknown parts included. `Class`, `EntryID`,
     /// `CreationTime` and `File` are the store's own and taken no notice of.

@@ -61,7 +61,12 @@ std::string_view unpacked(std::string_view packed, Member member) {
 }
 
 void unpackInto(std::string_view packed, ContactFacts& contact) {
-    eachText(contact, [&](Text& text) { text = fromUtf8(takeText(packed)); });
+    eachText(contact, [&](Text& text) {
+        text.clear();
+        if (const std::string_view bytes = takeText(packed); !bytes.empty()) {
+            text = fromUtf8(bytes);
+        }
+    });
 }
 
 CardFacts cardFactsOf(const ContactFacts& contact) {

@@ -220,7 +220,7 @@ bool holds(const std::vector<Piece>& pieces, bool (*test)(char)) {
 Property propertyOf(std::string_view text) {
     Property property;
     const std::string_view head = ical::propertyHead(text);
-    property.value = ical::propertyValue(text);
+    property.value = head.size() < text.size() ? text.substr(head.size() + 1) : std::string_view{};
     std::string_view name = ical::propertyName(head);
     property.parameters = head.substr(name.size());
     if (const std::size_t dot = name.rfind('.'); dot != std::string_view::npos) {
@@ -280,6 +280,9 @@ std::string textOf(std::string_view piece, const Marks& marks, Version version) 
 
 std::string plainText(std::string_view text) {
     std::string plain;
+    if (text.empty()) {
+        return plain; // as most are
+    }
     plain.reserve(text.size());
     for (std::size_t i = 0; i < text.size(); ++i) {
         if (text[i] == '\r') {

@@ -113,6 +113,7 @@ const char* problemOf(const ical::ContentLines& lines) {
 
 Card::Card(const ical::ContentLines& lines, int component) {
     const ical::Component& place = lines.components()[static_cast<std::size_t>(component)];
+    lines_.reserve(place.end - place.begin);
     for (std::size_t i = place.begin + 1; i < place.end; ++i) {
         const ical::ContentLine& line = lines.lines()[i];
         const Property property = propertyOf(line.text);

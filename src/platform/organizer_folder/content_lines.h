@@ -43,7 +43,7 @@ inline constexpr std::size_t kNoLine = static_cast<std::size_t>(-1);
 /// The text without blanks and tabs at both ends.
 std::string_view withoutBlanks(std::string_view text);
 
-/// The same for names of one length.
+/// Do two names of one length differ in case at most?
 bool sameLetters(std::string_view a, std::string_view b);
 
 /// ASCII comparison without regard to case, as names of properties and parameters are compared.

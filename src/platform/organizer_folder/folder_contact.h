@@ -19,7 +19,7 @@ public:
     /// A stored contact.
     FolderContact(FolderContacts& folder, std::string id, ContactFacts stored, FileStamp read);
 
-    [[nodiscard]] ContactFacts facts() const override { return facts_; }
+    [[nodiscard]] const ContactFacts& facts() const override { return facts_; }
 
     void set(const ContactFacts& facts) override;
     void Save() override;

@@ -186,11 +186,11 @@ std::uint32_t FolderContacts::fileOf(const std::string& id) {
 }
 
 ContactFacts FolderContacts::storedFacts(const std::string& id) const {
-    const auto facts = FactsOf(fromUtf8(id));
+    auto facts = FactsOf(fromUtf8(id));
     if (!facts) {
         throw noItem();
     }
-    return *facts;
+    return *std::move(facts);
 }
 
 ical::Seconds FolderContacts::nowUtc() const {

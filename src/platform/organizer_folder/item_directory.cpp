@@ -84,8 +84,8 @@ FileStamp ItemDirectory::openedStamp() const {
 
 void ItemDirectory::checkOpen() const {
     // What stands before a slash must be a directory.
-    const bool open =
-        ::faccessat(AT_FDCWD, (directory_ / ".").c_str(), R_OK | X_OK, AT_EACCESS) == 0;
+    const fs::path inside = directory_ / ".";
+    const bool open = ::faccessat(AT_FDCWD, inside.c_str(), R_OK | X_OK, AT_EACCESS) == 0;
     if (!open && (errno != ENOENT || missing_ != Missing::isEmpty)) {
         refuse(errno, directory_, fromUtf8(labelFolder_));
     }
