@@ -1,5 +1,6 @@
 #include "support/fresh_program.h"
 
+#include "core/registry.h"
 #include "core/trap.h"
 
 #include <algorithm>
@@ -132,4 +133,16 @@ TEST_CASE("the port comes from the user, else from the machine, else it is 1") {
         RegValGet();
         CHECK(app.settings.Port == port);
     }
+}
+
+TEST_CASE("a key that cannot be made is told and the program goes on") {
+    struct Refusing : tandolin::testing::MemorySettings {
+        bool create(SettingsRoot, TextView) override { throw Failure(70, u"refused"); }
+    } refusing;
+
+    FreshProgram program;
+    app.ports.settings = &refusing;
+    RegEnsureValue(SettingsRoot::user, u"Software", u"");
+    REQUIRE(program.screen.boxesShown.size() == 1);
+    CHECK(program.screen.boxesShown.front() == u"Registry Error 70:   refused");
 }

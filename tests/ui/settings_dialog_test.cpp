@@ -134,7 +134,11 @@ TEST_CASE("what else follows from OK") {
         cmdOK_Click(program.actions);
         CHECK(app.phone.vCalMaxEntries == 95);
         CHECK(program.stored(u"freeMobileEntries") == 5);
-        CHECK(program.window.boxesShown.size() == 1);
+        REQUIRE(program.window.boxesShown.size() == 1);
+        CHECK(program.window.boxesShown.front() ==
+              u"Die in den Einstellungen angegebene Anzahl an freien Mobileeinträgen kann nicht "
+              u"eingehalten werden, da das Mobile zu viele Einträge enthält. Soll die Anzahl der "
+              u"freibleibenden Mobileeinträge auf 5 zurückgesetzt werden?");
     }
     SUBCASE("a number that does not fit changes nothing at all") {
         form.ReadOnStart = true;
