@@ -1,9 +1,6 @@
-// Rows of contacts beside the matching: as they come from the organizer, and as they go when the
-// phone's part of the table is taken out.
+#include "sync/organizer_contact.h"
 
 #include "support/fresh_program.h"
-#include "sync/organizer_contact.h"
-#include "sync/status_arrays.h"
 
 using namespace tandolin;
 using namespace tandolin::testing;
@@ -31,24 +28,6 @@ Text joined(const Table<Contact>& row, std::initializer_list<Field<Contact, Text
     Text text;
     for (const auto field : fields) {
         text += Text(row[field]) + u'|';
-    }
-    return text;
-}
-
-void addRow(TextView key, std::int32_t entryType) {
-    vCardCreateNewRecord(tables.RSContacts);
-    tables.RSContacts.set(con::UID, key);
-    tables.RSContacts.set(con::EntryType, entryType);
-    tables.RSContacts.set(con::PIM, entryType != CONST_ENTRY_vCAL_MOBILE);
-    tables.RSContacts.set(con::Mobile, entryType != CONST_ENTRY_vCAL_PIM);
-}
-
-Text rowsLeft() {
-    Text text;
-    Table<Contact>& table = tables.RSContacts;
-    for (table.MoveFirst(); !table.atEnd(); table.MoveNext()) {
-        text += Text(table[con::UID]) + decimal(table[con::EntryType]) +
-                (table[con::PIM] ? u"P" : u"") + (table[con::Mobile] ? u"M" : u"") + u' ';
     }
     return text;
 }
@@ -85,46 +64,4 @@ TEST_CASE("A contact of the organizer fills a row and its twins") {
     plain.Categories = u"Freunde";
     REQUIRE(vCardInsertEntry(plain, row));
     CHECK_FALSE(row[con::Categories]);
-}
-
-TEST_CASE("vCardClearAfterMobileError takes the phone's part out of the contacts") {
-    FreshProgram program;
-    for (const auto& [key, type] : {std::pair{u"a", 2}, {u"b", 3}, {u"c", 1}, {u"d", 3}}) {
-        addRow(key, type);
-    }
-    app.organizer.vCardPIMCount = 3;
-    app.organizer.vCardPIMRead = kTrue;
-    app.phone.tableShowsPhone = true;
-    vCardClearAfterMobileError(false);
-    CHECK(rowsLeft() == u"b1P c1P d1P ");
-    CHECK(app.organizer.vCardPIMCount == 3);
-    addRow(u"e", 3);
-    vCardClearAfterMobileError(true);
-    CHECK(rowsLeft() == u"b1P c1P d1P ");
-    tables.RSContacts.clear();
-    addRow(u"f", 3);
-    vCardClearAfterMobileError(true);
-    CHECK(tables.RSContacts.isEmpty());
-    CHECK(app.organizer.vCardPIMCount == 0);
-    CHECK(app.organizer.vCardPIMRead == kFalse);
-    // The numbers of the calendar's objects are no concern of the contacts.
-    CHECK(app.phone.tableShowsPhone);
-    CHECK_FALSE(program.screen.tools.at(u"TDLTools/TDLAutoSync"));
-    CHECK_FALSE(program.screen.tools.at(u"TDLOrganizerMenu/TDLAutoSync"));
-}
-
-TEST_CASE("vCardReset empties the contacts; neither side counts as read") {
-    FreshProgram program;
-    addRow(u"a", 3);
-    app.phone.vCardRead = kTrue;
-    app.phone.vCalRead = kTrue;
-    app.organizer.vCardPIMRead = kTrue;
-    app.organizer.vCardPIMCount = 1;
-    vCardReset(tables.RSContacts);
-    CHECK(tables.RSContacts.isEmpty());
-    CHECK(app.phone.vCardRead == kFalse);
-    CHECK(app.phone.vCalRead == kTrue);
-    CHECK(app.organizer.vCardPIMRead == kFalse);
-    CHECK(app.organizer.vCardPIMCount == 0);
-    CHECK_FALSE(program.screen.tools.at(u"TDLTools/TDLAutoSync"));
 }
