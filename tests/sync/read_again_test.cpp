@@ -1,12 +1,18 @@
 #include "sync/read_again.h"
 
-#include "sync/status_arrays.h"
-#include "sync/sync_world.h"
+#include "sync/contact_world.h"
+#include "sync/queue_world.h"
 
 using namespace tandolin;
 using namespace tandolin::testing;
 
-TEST_CASE("the other side is read again where queued rows aim at it") {
+namespace {
+
+/// A world with one entry on each side, whose queue gets a row for each target.
+template <class World, class L>
+void checkReadAgain(const Lines& phone, const Lines& organizer, void (*addNew)(Table<L>& queue)) {
+    using F = Common<L>;
+
     struct Case {
         const char* name;
         std::vector<std::int32_t> targets; // 1 organizer, 2 phone, 0 none
@@ -17,42 +23,42 @@ TEST_CASE("the other side is read again where queued rows aim at it") {
              {"empty queue", {}, false, false},
              {"no target", {0}, false, false},
              {"organizer", {0, 1}, false, true},
-             {"phone", {2}, true, false},
+             {"phone", {2, 2}, true, false},
              {"both", {1, 2}, true, true},
          })) {
         CAPTURE(c.name);
-        SyncWorld world;
+        World world(phone, organizer);
         app.core.GlobalSilentMode = kFalse;
-        world.fill({"1 M 2026-11-22 09:00 Zahnarzt"}, {"u1 M 2026-11-23 09:00 Kino"});
-        app.sync.DateFrameFrom = at(2026, 11, 21);
-        app.sync.DateFrameTo = at(2026, 12, 1);
+        world.table.clear();
+        app.phone.vCalRead = app.phone.vCardRead = kFalse;
+        app.phone.vCalEntryCount = app.phone.vCardEntryCount = 0;
+        app.organizer.vCalPIMRead = app.organizer.vCardPIMRead = kFalse;
+        app.organizer.vCalPIMCount = app.organizer.vCardPIMCount = 0;
         for (const std::int32_t target : c.targets) {
-            vCalCreateNewRecord(tables.RSCalendarSave);
-            tables.RSCalendarSave.set(cal::TransferNew, target);
+            addNew(world.queue);
+            world.queue.set(F::TransferNew, target);
         }
-        reReadMobile(tables.RSCalendarSave);
-        CHECK(static_cast<bool>(app.phone.vCalRead) == c.phone);
-        CHECK(app.organizer.vCalPIMRead == kFalse);
-        reReadPIM(tables.RSCalendarSave);
-        CHECK(static_cast<bool>(app.organizer.vCalPIMRead) == c.organizer);
-        CHECK(tables.RSCalendar.recordCount() == (c.phone ? 1U : 0U) + (c.organizer ? 1U : 0U));
-        CHECK(tables.RSCalendarSave.recordCount() == c.targets.size());
+        const QueuedSides sides = queuedSides(world.queue);
+        CHECK(sides.phone == c.phone);
+        CHECK(sides.organizer == c.organizer);
+        reReadMobile(world.queue);
+        CHECK(world.table.countTrue(F::Mobile) == (c.phone ? 1U : 0U));
+        CHECK(world.table.countTrue(F::PIM) == 0);
+        reReadPIM(world.queue);
+        CHECK(world.table.countTrue(F::PIM) == (c.organizer ? 1U : 0U));
+        CHECK(world.table.recordCount() == (c.phone ? 1U : 0U) + (c.organizer ? 1U : 0U));
+        CHECK(tables.RSCalendar.recordCount() + tables.RSContacts.recordCount() ==
+              world.table.recordCount()); // the other kind is not read
+        CHECK(world.queue.recordCount() == c.targets.size());
         CHECK_FALSE(world.screen.statusOpen);
     }
 }
 
-TEST_CASE("vCalReset: an empty table, and no side counts as read") {
-    SyncWorld world;
-    vCalCreateNewRecord(tables.RSCalendar);
-    app.phone.vCalRead = kTrue;
-    app.phone.tableShowsPhone = true;
-    app.organizer.vCalPIMRead = kTrue;
-    app.organizer.vCalPIMCount = 1;
-    vCalReset(tables.RSCalendar);
-    CHECK(tables.RSCalendar.isEmpty());
-    CHECK(app.phone.vCalRead == kFalse);
-    CHECK_FALSE(app.phone.tableShowsPhone);
-    CHECK(app.organizer.vCalPIMRead == kFalse);
-    CHECK(app.organizer.vCalPIMCount == 0);
-    CHECK_FALSE(world.screen.tools.at(u"TDLTools/TDLAutoSync"));
+} // namespace
+
+TEST_CASE("The other side is read again where queued entries aim at it") {
+    checkReadAgain<QueueWorld, Calendar>({"1 M 2026-11-22 09:00 Zahnarzt"},
+                                         {"u1 M 2026-11-23 09:00 Kino"}, vCalCreateNewRecord);
+    checkReadAgain<ContactWorld, Contact>({"3 Meier,Eva 1"}, {"u1 Kurz,Ina 1"},
+                                          vCardCreateNewRecord);
 }

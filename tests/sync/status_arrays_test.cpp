@@ -76,16 +76,26 @@ TEST_CASE(
     checkAutoSyncIsOff(program);
 }
 
-TEST_CASE("vCardReset empties the contacts; neither side counts as read") {
-    FreshProgram program;
-    addRow(tables.RSContacts, vCardCreateNewRecord, u"a", 3);
-    app.phone.vCardRead = app.phone.vCalRead = app.organizer.vCardPIMRead = kTrue;
-    app.organizer.vCardPIMCount = 1;
-    vCardReset(tables.RSContacts);
-    CHECK(tables.RSContacts.isEmpty());
-    CHECK(app.phone.vCardRead == kFalse);
-    CHECK(app.phone.vCalRead == kTrue);
-    CHECK(app.organizer.vCardPIMRead == kFalse);
-    CHECK(app.organizer.vCardPIMCount == 0);
-    checkAutoSyncIsOff(program);
+TEST_CASE("A table that is made anew is empty; neither side of its kind counts as read") {
+    for (const bool contacts : {false, true}) {
+        CAPTURE(contacts);
+        FreshProgram program;
+        addRow(tables.RSCalendar, vCalCreateNewRecord, u"a", 3);
+        addRow(tables.RSContacts, vCardCreateNewRecord, u"a", 3);
+        app.phone.vCardRead = app.phone.vCalRead = kTrue;
+        app.organizer.vCardPIMRead = app.organizer.vCalPIMRead = kTrue;
+        app.organizer.vCardPIMCount = app.organizer.vCalPIMCount = 1;
+        app.phone.tableShowsPhone = true;
+        contacts ? vCardReset(tables.RSContacts) : vCalReset(tables.RSCalendar);
+        CHECK(tables.RSContacts.isEmpty() == contacts);
+        CHECK(tables.RSCalendar.isEmpty() != contacts);
+        CHECK(static_cast<bool>(app.phone.vCardRead) != contacts);
+        CHECK(static_cast<bool>(app.phone.vCalRead) == contacts);
+        CHECK(static_cast<bool>(app.organizer.vCardPIMRead) != contacts);
+        CHECK(static_cast<bool>(app.organizer.vCalPIMRead) == contacts);
+        CHECK(app.organizer.vCardPIMCount == (contacts ? 0 : 1));
+        CHECK(app.organizer.vCalPIMCount == (contacts ? 1 : 0));
+        CHECK(app.phone.tableShowsPhone == contacts);
+        CHECK_FALSE(program.screen.tools.at(u"TDLTools/TDLAutoSync"));
+    }
 }
