@@ -2,7 +2,7 @@
 
 #include "formats/ansi.h"
 #include "formats/calendar_codec.h"
-#include "formats/random_rows.h"
+#include "property/random_rows.h"
 #include "property/seed.h"
 #include "support/fresh_program.h"
 
