@@ -185,8 +185,8 @@ struct CalendarUser : QueuedUser<CalendarKind> {
     }
 
     void tick() override {
-        if (table[cal::IsRecurring] || table[cal::Alarm] ||
-            (table[cal::PIM] && table[cal::Mobile])) {
+        // A row of neither side is one whose removal failed.
+        if (table[cal::IsRecurring] || table[cal::Alarm] || table[cal::PIM] == table[cal::Mobile]) {
             return;
         }
         const Holdings before = now();
