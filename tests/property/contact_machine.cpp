@@ -159,7 +159,9 @@ struct ContactMachine : ContactUser {
         requireEnded();
         if (ranClean()) {
             requireAllCopied(mode, app.run.leftBehind == 0, after);
-            require(app.run.leftBehind == 0 || std::ssize(after.phone) >= room(),
+            // The phone book's size, read last, bounds the calendar's numbers too.
+            require(app.run.leftBehind == 0 || std::ssize(after.phone) >= room() ||
+                        (both && std::ssize(calendar().phone) >= room()),
                     "left behind on a phone with room");
             requireQuiet(program, 2);
         }
